@@ -1,0 +1,118 @@
+#include "util/HumanReadable.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cwchar>
+#include <cwctype>
+#include <optional>
+#include <string_view>
+
+#include "util/Text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::size_t kCodeDigits = 3;
+
+// Not isgraph(): in a one-byte locale that would let letters above 0x7F through.
+constexpr bool isVisible(char byte) { return byte >= 0x21 && byte <= 0x7E; }
+
+void appendCode(std::string& text, char byte) {
+  const auto code = static_cast<std::uint8_t>(byte);
+  text += static_cast<char>('0' + code / 100);
+  text += static_cast<char>('0' + code / 10 % 10);
+  text += static_cast<char>('0' + code % 10);
+}
+
+// Appends the characters of the complete codes in `digits`, which run to the end of the text.
+// False when something other than a digit stands among them, the end of the group included.
+bool appendCodes(std::wstring_view digits, std::wstring& result) {
+  int value = 0;
+  std::size_t held = 0;
+  for (const wchar_t character : digits) {
+    if (!std::iswdigit(static_cast<wint_t>(character))) return false;
+    value = value * 10 + static_cast<int>(character - L'0');
+    if (++held < kCodeDigits) continue;
+    result += static_cast<wchar_t>(std::btowc(value));
+    value = 0;
+    held = 0;
+  }
+  return true;
+}
+
+std::optional<std::wstring> readHRS(std::wstring_view text) {
+  std::wstring result;
+  bool inside = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == L'(' || text[i] == L')') {
+      const bool opens = text[i] == L'(';
+      if (opens == inside) return std::nullopt;
+      inside = opens;
+    } else if (!inside) {
+      result += text[i];
+    } else if (!appendCodes(text.substr(i), result)) {
+      return std::nullopt;
+    }
+  }
+  return result;
+}
+
+std::wstring wideText(const wchar_t* text, int count) {
+  return count > 0 ? std::wstring(text, static_cast<std::size_t>(count)) : std::wstring();
+}
+
+}  // namespace
+
+std::string raw2HRS(const char* bytes, int length) {
+  std::string text;
+  bool inside = false;
+  for (int i = 0; i < length; ++i) {
+    const bool coded = !isVisible(bytes[i]);
+    if (coded != inside) text += coded ? '(' : ')';
+    inside = coded;
+    if (coded) {
+      appendCode(text, bytes[i]);
+    } else {
+      text += bytes[i];
+    }
+  }
+  if (inside) text += ')';
+  return text;
+}
+
+std::string raw2HRS(const std::string& bytes) {
+  return raw2HRS(bytes.data(), static_cast<int>(bytes.size()));
+}
+
+std::wstring raw2HRS(const std::wstring& text) { return str2wstr(raw2HRS(wstr2str(text))); }
+
+std::wstring raw2HRS(const wchar_t* text, int count) { return raw2HRS(wideText(text, count)); }
+
+std::wstring hrs2Raw(const std::wstring& text) { return readHRS(text).value_or(std::wstring()); }
+
+int hrs2Raw(wchar_t* buffer, const std::wstring& text, int capacity) {
+  if (capacity <= 0) return 0;
+  const std::optional<std::wstring> raw = readHRS(text);
+  if (!raw) {
+    std::fill_n(buffer, capacity, L'\0');
+    return 0;
+  }
+  const int written = static_cast<int>(std::min<std::size_t>(raw->size(), std::size_t(capacity)));
+  std::copy_n(raw->data(), written, buffer);
+  return written;
+}
+
+std::wstring raw2Printable(const wchar_t* text, int count) {
+  return raw2Printable(wideText(text, count));
+}
+
+std::wstring raw2Printable(const std::wstring& text) {
+  std::wstring printable;
+  std::copy_if(text.begin(), text.end(), std::back_inserter(printable), [](wchar_t character) {
+    return std::isgraph(std::wctob(static_cast<wint_t>(character)));
+  });
+  return printable;
+}
+
+}  // namespace quorvel

@@ -1,0 +1,31 @@
+#include "util/Log.h"
+
+#include <climits>
+#include <cstdlib>
+#include <sstream>
+#include <thread>
+
+#include "util/Text.h"
+
+namespace quorvel {
+
+std::string getLogFileName() {
+  std::string stamp = getCurrentTimeString("%Y%m%d%H%M%S");
+  if (stamp.empty()) stamp = std::to_string(std::rand());
+  std::ostringstream name;
+  // A number is written in the classic locale whatever the host has chosen: no digit grouping.
+  name.imbue(std::locale::classic());
+  name << "Quorvel_x" << sizeof(void*) * CHAR_BIT << "_t" << std::this_thread::get_id() << "_"
+       << stamp.c_str() << ".txt";
+  return name.str();
+}
+
+bool Logger::SetLogFolder(std::wstring) { return true; }
+
+void Logger::LogToFile(std::wstring) {}
+
+void log(std::wstring) {}
+
+void log(std::string) {}
+
+}  // namespace quorvel

@@ -1,0 +1,46 @@
+#include "util/SymbolNames.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace quorvel {
+namespace {
+
+constexpr std::array<std::wstring_view, 33> kNames = {
+    L"NUL", L"SOH", L"STX", L"ETX", L"EOT", L"ENQ", L"ACK", L"BEL", L"BS",  L"TAB", L"LF",
+    L"VT",  L"FF",  L"CR",  L"SO",  L"SI",  L"DLE", L"DC1", L"DC2", L"DC3", L"DC4", L"NAK",
+    L"SYN", L"ETB", L"CAN", L"EM",  L"SUB", L"ESC", L"FS",  L"GS",  L"RS",  L"US",  L"SPACE"};
+
+constexpr std::uint32_t kDelete = 127;
+
+constexpr std::string_view kXMLIllegal = "&<>\"'";
+
+// wchar_t is signed in this ABI; a code is not.
+std::uint32_t codeOf(wchar_t symbol) { return static_cast<std::uint32_t>(symbol); }
+
+}  // namespace
+
+std::wstring GetSymbolName(wchar_t symbol) {
+  const std::uint32_t code = codeOf(symbol);
+  if (code < kNames.size()) return std::wstring(kNames[code]);
+  return code == kDelete ? L"DEL" : L"";
+}
+
+std::wstring FormatSymbolForDisplay(wchar_t symbol) {
+  const std::wstring name = GetSymbolName(symbol);
+  return name.empty() ? std::wstring(1, symbol) : L" '" + name + L"' ";
+}
+
+std::wstring FormatSymbolAsNumber(wchar_t symbol) { return std::to_wstring(codeOf(symbol)); }
+
+bool NotASCII(char byte) { return (byte & 0x80) != 0; }
+
+bool TrimXMLIllegalChars(std::string& text) {
+  std::replace_if(
+      text.begin(), text.end(),
+      [](char byte) { return NotASCII(byte) || kXMLIllegal.find(byte) != kXMLIllegal.npos; }, ' ');
+  return true;
+}
+
+}  // namespace quorvel
