@@ -1,0 +1,158 @@
+#include "performer/QuorvelPerformerDesktop.h"
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "util/CodePages.h"
+#include "util/Variants.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::wstring_view kErrorRussian =
+    L"Ошибка подключения. Проверьте доступность устройства.";
+constexpr std::wstring_view kErrorEnglish = L"Connection error. Check device availability.";
+
+// The equipment names of the host. It has them in Russian only, whatever the language of its texts.
+struct Equipment {
+  std::wstring_view name;
+  unsigned type;
+  std::array<std::wstring_view, 2> dataKind;  // by locale
+};
+
+constexpr std::array<Equipment, 3> kEquipment = {{
+    {L"СканерШтрихкода", kBarcodeScanner, {L"Штрихкод", L"Barcode"}},
+    {L"УстройствоВвода", kBarcodeScanner, {L"Штрихкод", L"Barcode"}},
+    {L"СчитывательМагнитныхКарт", kMagneticCardReader, {L"ДанныеКарты", L"TrackData"}},
+}};
+
+// The setter of a number that goes, as it is, to each of `fields`.
+template <typename... Fields>
+auto numberSetter(Fields&... fields) {
+  return [&fields...](const tVariant& value) {
+    std::int32_t number;
+    if (!convVarToInt(value, number)) return false;
+    ((fields = static_cast<Fields>(number)), ...);
+    return true;
+  };
+}
+
+// The setter of a character given by its code; -1 stands for none.
+template <typename... Fields>
+auto characterSetter(Fields&... fields) {
+  return [&fields...](const tVariant& value) {
+    std::int32_t code;
+    if (!convVarToInt(value, code)) return false;
+    const std::wstring text =
+        code == -1 ? std::wstring() : std::wstring(1, static_cast<wchar_t>(code));
+    ((fields = text), ...);
+    return true;
+  };
+}
+
+auto textSetter(std::wstring& field) {
+  return [&field](const tVariant& value) {
+    std::optional<std::wstring> text = textOf(value);
+    if (!text) return false;
+    field = std::move(*text);
+    return true;
+  };
+}
+
+auto flagSetter(bool& field) {
+  return [&field](const tVariant& value) {
+    if (value.vt != VTYPE_BOOL) return false;
+    // Not as a bool: a host may write any byte for true.
+    field = value.i8 != 0;
+    return true;
+  };
+}
+
+}  // namespace
+
+QuorvelPerformerDesktop::QuorvelPerformerDesktop(IAddInDefBaseEx* connection,
+                                                 const InputCallback& callback)
+    : QuorvelPerformerBase(connection, callback), settings_(std::make_unique<Settings>()) {
+  setDefaults();
+  registerSetters();
+}
+
+void QuorvelPerformerDesktop::setDefaults() {
+  keyboardFactory_.port = 0;
+  keyboardFactory_.suffix = L"\r";
+  keyboardFactory_.timeout = 25;
+  keyboardFactory_.gsSymbolKey = NonPrintableKeys::kF8;
+  comPortFactory_.port = 0;
+  comPortFactory_.stopBit = 1;
+  comPortFactory_.comEncoding = kEncodingUtf8;
+}
+
+void QuorvelPerformerDesktop::registerSetters() {
+  settings_->setters = {
+      {L"Port", numberSetter(keyboardFactory_.port, comPortFactory_.port)},
+      {L"KeyboardDevice", textSetter(keyboardFactory_.keyboardDevice)},
+      {L"DataBits", numberSetter(comPortFactory_.dataBits)},
+      {L"StopBit", numberSetter(comPortFactory_.stopBit)},
+      {L"Speed", numberSetter(comPortFactory_.speed)},
+      {L"Prefix", characterSetter(keyboardFactory_.prefix)},
+      {L"Suffix", characterSetter(keyboardFactory_.suffix, comPortFactory_.suffix)},
+      {L"Timeout", numberSetter(keyboardFactory_.timeout)},
+      {L"TimeoutCOM", numberSetter(comPortFactory_.timeoutCOM)},
+      {L"COMEncoding", textSetter(comPortFactory_.comEncoding)},
+      {L"GSSymbolKey", numberSetter(keyboardFactory_.gsSymbolKey)},
+      {L"LogFileFolder", [](const tVariant&) { return true; }},
+      {L"EquipmentType", [this](const tVariant& value) { return setEquipmentType(value); }},
+      {L"OutputDataType", numberSetter(settings_->outputDataType)},
+      {L"IgnoreKeyboardState", flagSetter(keyboardFactory_.ignoreKeyboardState)},
+  };
+}
+
+bool QuorvelPerformerDesktop::setEquipmentType(const tVariant& value) {
+  if (value.vt != VTYPE_PWSTR) return false;
+  equipmentText_ = convFromShortWchar(value);
+  for (const Equipment& equipment : kEquipment) {
+    if (equipmentText_ != equipment.name) continue;
+    dataKind_ = equipment.dataKind[AppSettings::locale()];
+    settings_->equipmentType = equipment.type;
+  }
+  return true;
+}
+
+tVariant QuorvelPerformerDesktop::SetParameter(const wchar_t* name, const tVariant& value) {
+  tVariant result = emptyVariant();
+  const auto setter = settings_->setters.find(name);
+  setBool(result, setter != settings_->setters.end());
+  // A refused value is no failure for the host: it goes on with the value set before.
+  if (result.boolValue) setter->second(value);
+  return result;
+}
+
+tVariant QuorvelPerformerDesktop::GetParameter(const wchar_t*) { return emptyVariant(); }
+
+std::wstring QuorvelPerformerDesktop::GetLastError(bool russian) {
+  return std::wstring(russian ? kErrorRussian : kErrorEnglish);
+}
+
+bool QuorvelPerformerDesktop::OpenDevice(const std::wstring& deviceId) {
+  const bool serial = comPortFactory_.port != 0;
+  InputDeviceFactory& factory =
+      serial ? static_cast<InputDeviceFactory&>(comPortFactory_) : keyboardFactory_;
+  const DataCallback callback =
+      [input = callback_, deviceId, equipmentType = static_cast<int>(settings_->equipmentType),
+       outputDataType = static_cast<int>(settings_->outputDataType)](const std::wstring& data) {
+        input(deviceId, equipmentType, outputDataType, data);
+      };
+  std::shared_ptr<InputDevice> device = factory.create(callback);
+  if (!device) return false;
+  devices_.emplace(deviceId, std::move(device));
+  return true;
+}
+
+bool QuorvelPerformerDesktop::CloseDevice(const std::wstring& deviceId) {
+  return devices_.erase(deviceId) != 0;
+}
+
+bool QuorvelPerformerDesktop::TestDevice(const std::wstring&) { return true; }
+
+}  // namespace quorvel
