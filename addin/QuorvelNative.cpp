@@ -1,0 +1,151 @@
+#include "addin/QuorvelNative.h"
+
+#include "addin/EventNames.h"
+#include "addin/Methods.h"
+#include "performer/AppSettings.h"
+#include "performer/QuorvelPerformerLinux.h"
+#include "util/Base64.h"
+#include "util/HumanReadable.h"
+#include "util/Text.h"
+#include "util/Variants.h"
+#include "util/WideStrings.h"
+
+namespace quorvel {
+namespace {
+
+constexpr long kEventBufferDepth = 4096;
+
+// Runs an operation of the host; what it throws becomes its failure.
+template <typename Result, typename Operation>
+Result guarded(Result failure, Operation operation) noexcept {
+  try {
+    return operation();
+  } catch (...) {
+    return failure;
+  }
+}
+
+std::wstring inDataType(const std::wstring& base64, int dataType) {
+  switch (dataType) {
+    case kBase64:
+      return base64;
+    case kHumanReadable:
+      return raw2HRS(base642Raw(base64));
+    default:
+      return base642Raw(base64);
+  }
+}
+
+}  // namespace
+
+QuorvelNative::QuorvelNative(const wchar_t* extensionName, const wchar_t* dataName)
+    : dataName_(dataName),
+      extensionName_(extensionName),
+      equipmentType_(L"СканерШтрихкода"),
+      russian_(AppSettings::locale() == kRussian) {}
+
+bool QuorvelNative::Init(void* connection) {
+  return guarded(false, [&] {
+    auto* const host = static_cast<IAddInDefBaseEx*>(connection);
+    connection_ = host;
+    if (!host) return false;
+    performer_ = std::make_unique<QuorvelPerformerLinux>(
+        host,
+        [this](const std::wstring& deviceId, int equipmentType, int dataType,
+               const std::wstring& data) { OnInput(deviceId, equipmentType, dataType, data); });
+    return host->SetEventBufferDepth(kEventBufferDepth);
+  });
+}
+
+bool QuorvelNative::setMemManager(void* memoryManager) {
+  memoryManager_ = static_cast<IMemoryManager*>(memoryManager);
+  return memoryManager_ != nullptr;
+}
+
+long QuorvelNative::GetInfo() { return kInterfaceRevision; }
+
+void QuorvelNative::Done() {}
+
+bool QuorvelNative::RegisterExtensionAs(WCHAR_T** name) {
+  if (!name) return false;
+  *name = AllocAndConvert(extensionName_.c_str());
+  return *name != nullptr;
+}
+
+long QuorvelNative::GetNProps() { return 0; }
+
+long QuorvelNative::FindProp(const WCHAR_T*) { return -1; }
+
+const WCHAR_T* QuorvelNative::GetPropName(long, long) { return nullptr; }
+
+bool QuorvelNative::GetPropVal(long, tVariant*) { return false; }
+
+bool QuorvelNative::SetPropVal(long, tVariant*) { return false; }
+
+bool QuorvelNative::IsPropReadable(long) { return false; }
+
+bool QuorvelNative::IsPropWritable(long) { return false; }
+
+long QuorvelNative::GetNMethods() { return static_cast<long>(kMethods.size()); }
+
+long QuorvelNative::FindMethod(const WCHAR_T* name) {
+  return guarded(-1L, [&] { return findMethod(convFromShortWchar(name)); });
+}
+
+const WCHAR_T* QuorvelNative::GetMethodName(long num, long lang) {
+  const Method* const method = methodOf(num);
+  if (!method || lang < 0 || lang >= kMethodLanguages) return nullptr;
+  return AllocAndConvert(method->names[static_cast<std::size_t>(lang)]);
+}
+
+long QuorvelNative::GetNParams(long num) {
+  const Method* const method = methodOf(num);
+  return method ? method->parameters : 0;
+}
+
+bool QuorvelNative::GetParamDefValue(long, long, tVariant* value) {
+  if (value) value->vt = VTYPE_EMPTY;
+  return false;
+}
+
+bool QuorvelNative::HasRetVal(long) { return true; }
+
+bool QuorvelNative::CallAsProc(long, tVariant*, long) { return false; }
+
+bool QuorvelNative::CallAsFunc(long num, tVariant* ret, tVariant* params, long) {
+  const Method* const method = methodOf(num);
+  if (!method || !ret || (!params && method->parameters > 0)) return false;
+  return guarded(false, [&] { return (this->*kHandlers[num])(*ret, params); });
+}
+
+void QuorvelNative::SetLocale(const WCHAR_T* locale) {
+  guarded(false, [&] {
+    if (!locale) return false;
+    const std::wstring name = str_tolower(convFromShortWchar(locale));
+    // "ru" is in "rus" too, so the flag covers both.
+    if (name.find(L"ru") != name.npos) russian_ = true;
+    AppSettings::setLocale(russian_ ? kRussian : kEnglish);
+    return true;
+  });
+}
+
+void QuorvelNative::OnInput(const std::wstring& source, int equipmentType, int dataType,
+                            const std::wstring& data) {
+  IAddInDefBaseEx* const connection = connection_;
+  if (!connection) return;
+  const wchar_t* const name = eventNameOf(equipmentType, dataType, AppSettings::locale());
+  const WcharWrapper eventSource(source.c_str());
+  const WcharWrapper eventName(name);
+  const WcharWrapper eventData(inDataType(data, dataType).c_str());
+  connection->ExternalEvent(eventSource.shortText(), eventName.shortText(), eventData.shortText());
+}
+
+WCHAR_T* QuorvelNative::AllocAndConvert(const wchar_t* text) const {
+  return quorvel::AllocAndConvert(memoryManager_, text);
+}
+
+tVariant QuorvelNative::AllocAndConvertVariant(const wchar_t* text) const {
+  return quorvel::AllocAndConvertVariant(memoryManager_, text);
+}
+
+}  // namespace quorvel
