@@ -1,0 +1,47 @@
+// The external events that a component has raised, in their order.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace terminal {
+
+struct Event {
+  std::u16string source;
+  std::u16string name;
+  std::u16string data;
+  std::chrono::system_clock::time_point time;  // when it was raised
+};
+
+// Filled on any thread, emptied on another.
+class EventQueue {
+ public:
+  EventQueue();
+  ~EventQueue();
+  EventQueue(const EventQueue&) = delete;
+  EventQueue& operator=(const EventQueue&) = delete;
+
+  void push(Event event);
+
+  // The oldest event; none when there is none within the time.
+  std::optional<Event> take(std::chrono::milliseconds patience);
+
+  // The oldest `count` events, or as many as came, each within `patience` of the one before it.
+  std::vector<Event> take(std::size_t count, std::chrono::milliseconds patience);
+
+  // Readable, for poll(2), while the queue holds something. Owned by the queue.
+  int descriptor() const { return descriptor_; }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable filled_;
+  std::deque<Event> events_;
+  int descriptor_;
+};
+
+}  // namespace terminal
