@@ -1,24 +1,14 @@
-// The slot numbers of the host's interfaces, read from the virtual tables themselves: a compiler
-// cannot be asked for them in a static assertion.
+// The slot numbers of the host's interfaces.
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstring>
 
 #include "host/IAddInDefBaseEx.h"
 #include "host/IComponentBase.h"
 #include "host/IMemoryManager.h"
+#include "tests/unit/VirtualSlots.h"
 
 namespace {
-
-// In GCC's C++ ABI a pointer to a virtual member function holds 1 + the byte offset in the table.
-template <typename Function>
-std::size_t slotOf(Function function) {
-  std::size_t encoded = 0;
-  std::memcpy(&encoded, &function, sizeof encoded);
-  EXPECT_EQ(encoded % 2, 1u) << "not a virtual function";
-  return (encoded - 1) / sizeof(void*);
-}
 
 TEST(Interfaces, InitDoneSlots) {
   EXPECT_EQ(slotOf(&IInitDoneBase::Init), 2u);
