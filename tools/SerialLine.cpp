@@ -33,7 +33,8 @@ void setFramed(termios& line) {
 
 }  // namespace
 
-SerialLine::SerialLine(LineSetting setting) : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+SerialLine::SerialLine(LineSetting setting)
+    : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
   check(master_ >= 0, "cannot open a pseudo terminal");
   check(grantpt(master_) == 0 && unlockpt(master_) == 0, "cannot unlock the pseudo terminal");
   char path[64];
@@ -79,20 +80,25 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
   }
 }
 
-void SerialLine::send(std::string_view bytes) {
+bool SerialLine::send(std::string_view bytes, int cancel) {
   while (!bytes.empty()) {
+    pollfd waits[] = {{master_, POLLOUT, 0}, {cancel, POLLIN, 0}};
+    if (poll(waits, 2, -1) < 0) continue;
+    if (waits[1].revents) return false;
     const ssize_t written = write(master_, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
+    if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     check(written >= 0, "cannot send");
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
+  return true;
 }
 
-void SerialLine::sendSlowly(std::string_view bytes, std::chrono::microseconds pause) {
+bool SerialLine::sendSlowly(std::string_view bytes, std::chrono::microseconds pause, int cancel) {
   for (const char& byte : bytes) {
-    send({&byte, 1});
+    if (!send({&byte, 1}, cancel)) return false;
     std::this_thread::sleep_for(pause);
   }
+  return true;
 }
 
 }  // namespace terminal

@@ -39,10 +39,11 @@ class SerialLine {
   bool waitForReader(int cancel = -1,
                      std::chrono::milliseconds patience = std::chrono::milliseconds(-1));
 
-  // Sends bytes in one write, or byte by byte with a pause after each, as a slow line does. Blocks
-  // while the reader is behind.
-  void send(std::string_view bytes);
-  void sendSlowly(std::string_view bytes, std::chrono::microseconds pause);
+  // Sends bytes in as few writes as the line takes, or byte by byte with a pause after each, as a
+  // slow line does. Waits while the reader is behind. False when a byte can be read from `cancel`
+  // first (-1: never): what was not sent by then is lost.
+  bool send(std::string_view bytes, int cancel = -1);
+  bool sendSlowly(std::string_view bytes, std::chrono::microseconds pause, int cancel = -1);
 
  private:
   int master_;

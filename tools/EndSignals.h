@@ -1,0 +1,29 @@
+// Ctrl-C and its like, as something to wait for.
+#pragma once
+
+#include <chrono>
+
+namespace terminal {
+
+// While it lives, the signals that ask a program to end do not end it; the descriptor becomes
+// readable instead, and stays so. Made on the main thread before any other thread.
+class EndSignals {
+ public:
+  // Throws std::system_error.
+  EndSignals();
+  ~EndSignals();
+  EndSignals(const EndSignals&) = delete;
+  EndSignals& operator=(const EndSignals&) = delete;
+
+  int descriptor() const { return descriptor_; }
+
+  // Waits until such a signal comes.
+  void wait() const;
+  // Rests for the time, at most an hour, or until such a signal comes: true when it has.
+  bool wait(std::chrono::microseconds time) const;
+
+ private:
+  int descriptor_;
+};
+
+}  // namespace terminal

@@ -1,0 +1,100 @@
+#include "tools/ScanSource.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace terminal {
+namespace {
+
+constexpr Text kTwoSources = {"either texts or --file, not both",
+                              "либо тексты, либо --file, но не оба"};
+constexpr Text kBadEscape = {"not an escape: ", "неверная последовательность: "};
+
+// The byte that a letter after the backslash stands for.
+constexpr std::pair<char, char> kEscapes[] = {{'r', '\r'}, {'n', '\n'}, {'t', '\t'}, {'\\', '\\'}};
+
+int openSource(const std::string& file) {
+  if (file.empty() || file == "-") return dup(STDIN_FILENO);
+  return open(file.c_str(), O_RDONLY | O_CLOEXEC);
+}
+
+// The byte of the escape at `text[at]`, the character after the backslash; `at` moves to its end.
+char escapedByte(const std::string& text, std::size_t& at) {
+  for (const auto& [letter, byte] : kEscapes) {
+    if (at < text.size() && text[at] == letter) return byte;
+  }
+  const std::string digits = at < text.size() ? text.substr(at + 1, 2) : "";
+  const bool hexadecimal =
+      digits.size() == 2 && digits.find_first_not_of("0123456789abcdefABCDEF") == digits.npos;
+  if (!hexadecimal || text[at] != 'x') throw UsageError(say(kBadEscape) + text);
+  at += 2;
+  return static_cast<char>(std::stoi(digits, nullptr, 16));
+}
+
+}  // namespace
+
+std::vector<Option> ScanOptions::table() {
+  const auto takeRate = [this](const std::string& value) {
+    pause = std::chrono::microseconds(
+        static_cast<long>(1000000 / numberFrom(value, "--rate", 0.01, 1000000)));
+  };
+  return {{"file", true, [this](const std::string& value) { file = value; }},
+          {"escapes", false, [this](const std::string&) { escapes = true; }},
+          {"rate", true, takeRate}};
+}
+
+std::string withoutEscapes(const std::string& text) {
+  std::string bytes;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    bytes += text[at] == '\\' ? escapedByte(text, ++at) : text[at];
+  }
+  return bytes;
+}
+
+ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
+    : escapes_(options.escapes), texts_(std::move(texts)) {
+  if (!texts_.empty() && !options.file.empty()) throw UsageError(say(kTwoSources));
+  if (!texts_.empty()) return;
+  descriptor_ = openSource(options.file);
+  if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), options.file);
+}
+
+ScanSource::~ScanSource() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+std::optional<std::string> ScanSource::next(const EndSignals& end) {
+  std::optional<std::string> text;
+  if (descriptor_ >= 0) {
+    text = nextLine(end);
+  } else if (position_ < texts_.size()) {
+    text = texts_[position_++];
+  }
+  if (text && escapes_) text = withoutEscapes(*text);
+  return text;
+}
+
+std::optional<std::string> ScanSource::nextLine(const EndSignals& end) {
+  while (true) {
+    const std::size_t newline = pending_.find('\n');
+    if (newline != pending_.npos || (ended_ && !pending_.empty())) {
+      std::string line = pending_.substr(0, newline);
+      pending_.erase(0, newline == pending_.npos ? newline : newline + 1);
+      return line;
+    }
+    if (ended_) return std::nullopt;
+    pollfd waits[] = {{descriptor_, POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
+    if (poll(waits, 2, -1) < 0) continue;
+    if (waits[1].revents) return std::nullopt;
+    char buffer[4096];
+    const ssize_t got = read(descriptor_, buffer, sizeof buffer);
+    if (got > 0) pending_.append(buffer, static_cast<std::size_t>(got));
+    ended_ = got == 0 || (got < 0 && errno != EINTR);
+  }
+}
+
+}  // namespace terminal

@@ -1,0 +1,52 @@
+// The texts that a scanner of this folder scans, and what they have in common.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/CommandLine.h"
+#include "tools/EndSignals.h"
+
+namespace terminal {
+
+// Options that every kind of scanner has.
+struct ScanOptions {
+  std::string file;      // one scan a line; "-" is standard input; empty: texts from the arguments
+  bool escapes = false;  // whether \xHH, \r, \n, \t and \\ stand for bytes
+  std::chrono::microseconds pause{500000};  // between two scans
+
+  // The table's rows of these options; they write into this object.
+  std::vector<Option> table();
+};
+
+// Gives one text after another: the arguments, or the lines of a file as they come.
+class ScanSource {
+ public:
+  // Without texts and without a file it reads standard input. Throws std::system_error for a file
+  // that cannot be opened, UsageError for a text and a file together.
+  ScanSource(const ScanOptions& options, Arguments texts);
+  ~ScanSource();
+  ScanSource(const ScanSource&) = delete;
+  ScanSource& operator=(const ScanSource&) = delete;
+
+  // The next text, as bytes; none at the end or when a signal asks for it. Throws UsageError for
+  // an escape that is none.
+  std::optional<std::string> next(const EndSignals& end);
+
+ private:
+  std::optional<std::string> nextLine(const EndSignals& end);
+
+  const bool escapes_;
+  Arguments texts_;
+  std::size_t position_ = 0;
+  int descriptor_ = -1;  // of the file, -1 when the texts are given
+  std::string pending_;  // read and not yet given out
+  bool ended_ = false;
+};
+
+// The bytes that a text with escapes stands for. Throws UsageError.
+std::string withoutEscapes(const std::string& text);
+
+}  // namespace terminal
