@@ -4,8 +4,7 @@
 #include "addin/Methods.h"
 #include "performer/AppSettings.h"
 #include "performer/QuorvelPerformerLinux.h"
-#include "util/Base64.h"
-#include "util/HumanReadable.h"
+#include "util/DataTypes.h"
 #include "util/Text.h"
 #include "util/Variants.h"
 #include "util/WideStrings.h"
@@ -22,17 +21,6 @@ Result guarded(Result failure, Operation operation) noexcept {
     return operation();
   } catch (...) {
     return failure;
-  }
-}
-
-std::wstring inDataType(const std::wstring& base64, int dataType) {
-  switch (dataType) {
-    case kBase64:
-      return base64;
-    case kHumanReadable:
-      return raw2HRS(base642Raw(base64));
-    default:
-      return base642Raw(base64);
   }
 }
 

@@ -4,17 +4,13 @@
 #include <string>
 
 #include "host/Variant.h"
+#include "util/DataTypes.h"
 
 namespace quorvel {
 
 // Locales: the language of the texts.
 inline constexpr unsigned kRussian = 0;
 inline constexpr unsigned kEnglish = 1;
-
-// Data types: the form in which a scan is shown or delivered.
-inline constexpr unsigned kText = 0;
-inline constexpr unsigned kHumanReadable = 1;
-inline constexpr unsigned kBase64 = 2;
 
 // Equipment types.
 inline constexpr unsigned kBarcodeScanner = 16;
@@ -27,7 +23,7 @@ class AppSettings {
   static unsigned locale();
   static void setLocale(unsigned locale);
 
-  // A data type, kText at the start. Other values are ignored.
+  // A data type of DataTypes.h, kText at the start. Other values are ignored.
   static unsigned ioDataType();
   static void setIODataType(unsigned type);
 

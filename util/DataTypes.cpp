@@ -1,0 +1,19 @@
+#include "util/DataTypes.h"
+
+#include "util/Base64.h"
+#include "util/HumanReadable.h"
+
+namespace quorvel {
+
+std::wstring inDataType(const std::wstring& base64, int dataType) {
+  switch (dataType) {
+    case kBase64:
+      return base64;
+    case kHumanReadable:
+      return raw2HRS(base642Raw(base64));
+    default:
+      return base642Raw(base64);
+  }
+}
+
+}  // namespace quorvel
