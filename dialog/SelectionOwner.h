@@ -1,0 +1,56 @@
+// The owner of the X clipboard.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+struct XcbDisconnect {
+  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+
+// Offers one text to other programs, on an X connection of its own. Used on one thread.
+class SelectionOwner {
+ public:
+  // Connects to the display that the environment names. `text` is UTF-8.
+  explicit SelectionOwner(const std::string& text);
+
+  // Makes the text the clipboard's. False when there is no X server, or none that takes it.
+  bool take();
+
+  // Answers other programs until one of them takes the clipboard or the X server goes away.
+  void serve();
+
+ private:
+  // The text, or what there is to know about it, in one of the forms that can be asked for.
+  struct Answer {
+    xcb_atom_t target;  // what is asked for
+    xcb_atom_t type;    // of the property that answers it
+    std::uint8_t format;
+    std::string bytes;
+  };
+
+  bool internAtoms();
+  void createWindow();
+  xcb_timestamp_t serverTime();
+  bool fits() const;
+  void prepareAnswers();
+  void answer(const xcb_selection_request_event_t& request);
+  bool convert(const xcb_selection_request_event_t& request, xcb_atom_t property);
+  bool convertOne(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
+  bool convertMultiple(xcb_window_t requestor, xcb_atom_t property);
+
+  const std::string text_;
+  std::unique_ptr<xcb_connection_t, XcbDisconnect> connection_;
+  std::vector<xcb_atom_t> atoms_;  // by AtomIndex
+  xcb_window_t window_ = XCB_NONE;
+  xcb_timestamp_t since_ = XCB_CURRENT_TIME;  // when the clipboard became ours
+  std::vector<Answer> answers_;
+};
+
+}  // namespace quorvel
