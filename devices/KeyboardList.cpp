@@ -1,0 +1,47 @@
+#include "devices/KeyboardList.h"
+
+#include <map>
+
+#include "devices/XConnection.h"
+#include "util/SymbolNames.h"
+
+namespace quorvel {
+namespace {
+
+// Most devices share a few types, so each type is asked for once.
+std::map<Atom, std::string> typeNames(const XConnection& connection, const XDeviceList& devices) {
+  std::map<Atom, std::string> names;
+  for (const XDeviceInfo& device : devices) {
+    if (device.type != None) names.try_emplace(device.type);
+  }
+  std::vector<Atom> types;
+  for (const auto& [type, name] : names) types.push_back(type);
+  std::vector<std::string> answers = atomNames(connection, types);
+  for (std::size_t i = 0; i < types.size(); ++i) names[types[i]] = std::move(answers[i]);
+  return names;
+}
+
+std::string trimmed(std::string name) {
+  TrimXMLIllegalChars(name);
+  return name;
+}
+
+}  // namespace
+
+std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
+  std::vector<XInputDevice> result;
+  if (!connection) return result;
+  const XDeviceList devices(connection);
+  const std::map<Atom, std::string> typeNamesByAtom = typeNames(connection, devices);
+  for (const XDeviceInfo& device : devices) {
+    const std::string name = device.name ? device.name : "";
+    const auto type = typeNamesByAtom.find(device.type);
+    result.push_back({.id = static_cast<int>(device.id),
+                      .rawName = name,
+                      .name = trimmed(name),
+                      .isKeyboard = type != typeNamesByAtom.end() && type->second == "KEYBOARD"});
+  }
+  return result;
+}
+
+}  // namespace quorvel

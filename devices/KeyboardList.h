@@ -1,0 +1,22 @@
+// The input devices that the X server knows.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace quorvel {
+
+class XConnection;
+
+struct XInputDevice {
+  int id;
+  std::string rawName;  // as the X server has it, in whatever encoding
+  std::string name;     // with TrimXMLIllegalChars applied: how settings and users know the device
+  bool isKeyboard;      // its type is exactly "KEYBOARD"
+};
+
+// All input devices of the X server, in the server's order. Two round trips, however many devices.
+// Empty when the connection is empty or lost.
+std::vector<XInputDevice> listXInputDevices(const XConnection& connection);
+
+}  // namespace quorvel
