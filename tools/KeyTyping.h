@@ -1,0 +1,69 @@
+// Typing as a scanner that is a keyboard does.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace terminal {
+
+// A key by the place it has on a PC keyboard: the key codes that X servers on Linux use (the
+// kernel's code plus 8). What the key means is up to the server's layout.
+enum class Key : std::uint8_t {
+  kTab = 23,
+  kReturn = 36,
+  kLeftControl = 37,
+  kLeftShift = 50,
+  kCapsLock = 66,
+  kF1 = 67,
+  kF2,
+  kF3,
+  kF4,
+  kF5,
+  kF6,
+  kF7,
+  kF8,
+  kF9,
+  kF10,
+  kF11 = 95,
+  kF12,
+  kKeypadEnter = 104,
+  kRightAlt = 108,
+  kHome = 110,
+  kPageUp = 112,
+  kEnd = 115,
+  kPageDown = 117,
+  kInsert,
+  kDelete,
+};
+
+// A keyboard whose keys this program presses.
+class VirtualKeyboard {
+ public:
+  virtual ~VirtualKeyboard() = default;
+
+  // Throws std::system_error when the keyboard has gone away. The X server may not have processed
+  // the key yet.
+  virtual void press(Key key) = 0;
+  virtual void release(Key key) = 0;
+};
+
+// A keyboard of an X server's `inputtest` driver, reached through the socket at `socketPath`. The
+// driver serves one connection at a time. Throws std::system_error when there is none to be had.
+std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath);
+
+// The keyboard that the XTEST extension of the default display offers: types into whatever has the
+// focus. Throws std::runtime_error when there is no display or no such extension.
+std::unique_ptr<VirtualKeyboard> connectXTestKeyboard();
+
+// Presses and releases `key`, with `modifier` held.
+void tap(VirtualKeyboard& keyboard, Key key);
+void tapWith(VirtualKeyboard& keyboard, Key modifier, Key key);
+
+// Types what a scanner set to the US layout types for `text`: printable ASCII characters, tab,
+// carriage return or line feed (Return), and the group separator (Control and right bracket).
+// Throws std::invalid_argument for any other character, before a key is pressed.
+void type(VirtualKeyboard& keyboard, std::string_view text);
+
+}  // namespace terminal
