@@ -1,6 +1,8 @@
 #include "devices/SerialFamilies.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <utility>
 
 #include "util/Handles.h"
 
@@ -32,6 +34,13 @@ std::vector<std::string> findDeviceFiles(std::string_view prefix) {
   char line[512];
   while (std::fgets(line, sizeof line, pipe.get())) paths.emplace_back(line);
   return paths;
+}
+
+std::int32_t deviceFileNumber(const std::string& path, std::string_view prefix) {
+  const std::string start = "/dev/" + std::string(prefix);
+  if (!path.starts_with(start)) return 0;
+  const long long number = std::strtoll(path.c_str() + start.size(), nullptr, 10);
+  return std::in_range<std::int32_t>(number) ? static_cast<std::int32_t>(number) : 0;
 }
 
 }  // namespace quorvel

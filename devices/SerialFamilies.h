@@ -38,4 +38,8 @@ std::wstring shortNameOf(std::uint32_t port);
 // Empty when it cannot be run.
 std::vector<std::string> findDeviceFiles(std::string_view prefix);
 
+// The number that follows `prefix` in the name of a file in /dev: 3 for "/dev/ttyS3". 0 for any
+// other path, for a name without a number, and for a number outside 32 bits.
+std::int32_t deviceFileNumber(const std::string& path, std::string_view prefix);
+
 }  // namespace quorvel

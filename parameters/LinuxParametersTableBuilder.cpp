@@ -1,0 +1,86 @@
+#include "parameters/LinuxParametersTableBuilder.h"
+
+#include <cstdint>
+#include <map>
+
+#include "devices/KeyboardList.h"
+#include "devices/SerialFamilies.h"
+#include "devices/XConnection.h"
+#include "parameters/SettingsMarkup.h"
+#include "util/CodePages.h"
+#include "util/Log.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::wstring_view kSpeeds[] = {L"110",  L"300",   L"600",   L"1200",  L"2400",  L"4800",
+                                         L"9600", L"19200", L"38400", L"57600", L"115200"};
+
+std::wstring keyboardItem(const XInputDevice& keyboard) {
+  log("XDevice settings list element - " + keyboard.rawName);
+  log("XDevice settings list element trimmed - " + keyboard.name);
+  const std::wstring name = ConvertUTF8Input(keyboard.name.c_str());
+  return item(name, name);
+}
+
+}  // namespace
+
+void LinuxParametersTableBuilder::BuildPortPart() {
+  std::wstring ports = item(L"0", text(form_texts::kPortKeyboard));
+  for (const SerialFamily& family : kSerialFamilies) {
+    ports += GetCOMDevicesList(family.prefix, family.caption, static_cast<int>(family.base));
+  }
+  append(parameter({.name = L"Port",
+                    .caption = text(form_texts::kPort),
+                    .type = kNumber,
+                    .defaultValue = L"0",
+                    .choices = choiceList(ports)}));
+}
+
+std::wstring LinuxParametersTableBuilder::GetCOMDevicesList(std::string_view prefix,
+                                                            std::wstring_view caption,
+                                                            int base) const {
+  // By the number and not in find's order, which is that of the folder.
+  std::map<std::int64_t, std::wstring> itemsByNumber;
+  for (const std::string& path : findDeviceFiles(prefix)) {
+    const std::int64_t number = deviceFileNumber(path, prefix);
+    const std::wstring value = std::to_wstring(base + number + 1);
+    itemsByNumber.try_emplace(number,
+                              item(value, concatenate({caption, std::to_wstring(number + 1)})));
+  }
+  std::wstring items;
+  for (const auto& [number, item] : itemsByNumber) items += item;
+  return items;
+}
+
+// Of the conditional parameters this one alone names the parameter before the operation.
+void LinuxParametersTableBuilder::BuildKeyboardDevicePart() {
+  append(parameter({.name = L"KeyboardDevice",
+                    .caption = text(form_texts::kKeyboardDevice),
+                    .type = kString,
+                    .defaultValue = L"",
+                    .condition = L" MasterParameterName=\"Port\" MasterParameterOperation=\"Equal\""
+                                 L" MasterParameterValue=\"0\"",
+                    .choices = choiceList(GetEventDeviceListEnties())}));
+}
+
+std::wstring LinuxParametersTableBuilder::GetEventDeviceListEnties() const {
+  std::wstring items;
+  for (const XInputDevice& device : listXInputDevices(XConnection::open())) {
+    if (device.isKeyboard) items += keyboardItem(device);
+  }
+  return items;
+}
+
+void LinuxParametersTableBuilder::BuildCOMPortSpeedPart() {
+  std::wstring speeds;
+  for (const std::wstring_view speed : kSpeeds) speeds += item(speed, speed);
+  append(parameter({.name = L"Speed",
+                    .caption = text(form_texts::kSpeed),
+                    .type = kNumber,
+                    .defaultValue = L"9600",
+                    .condition = kForSerialPorts,
+                    .choices = choiceList(speeds)}));
+}
+
+}  // namespace quorvel

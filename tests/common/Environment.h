@@ -1,0 +1,33 @@
+// The process environment, changed for the length of a test.
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <utility>
+
+// Sets a variable, or removes it, and puts it back as it was. Used where no other thread looks at
+// the environment.
+class ScopedVariable {
+ public:
+  ScopedVariable(std::string name, const std::optional<std::string>& value)
+      : name_(std::move(name)) {
+    if (const char* const before = std::getenv(name_.c_str())) before_ = before;
+    set(value);
+  }
+  ~ScopedVariable() { set(before_); }
+  ScopedVariable(const ScopedVariable&) = delete;
+  ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+ private:
+  void set(const std::optional<std::string>& value) const {
+    if (value) {
+      setenv(name_.c_str(), value->c_str(), 1);
+    } else {
+      unsetenv(name_.c_str());
+    }
+  }
+
+  std::string name_;
+  std::optional<std::string> before_;
+};

@@ -1,0 +1,179 @@
+// The settings form of a machine whose serial device files the test invents.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "devices/SerialFamilies.h"
+#include "parameters/LinuxParametersTableBuilder.h"
+#include "tests/common/Environment.h"
+#include "tests/common/SettingsForm.h"
+#include "tests/unit/VirtualSlots.h"
+#include "util/Handles.h"
+#include "util/Text.h"
+
+namespace quorvel {
+namespace {
+
+namespace fs = std::filesystem;
+using Builder = LinuxParametersTableBuilder;
+
+// Stands in for find(1): the only program to be found, it prints what the test wants for a pattern.
+// While it lives there is no display either.
+class FakeFind {
+ public:
+  FakeFind() {
+    std::ofstream(folder_ / "find") << "#!/bin/sh\n"
+                                       "[ \"$1 $2\" = '/dev/ -name' ] || exit 1\n"
+                                       "while IFS= read -r line; do printf '%s\\n' \"$line\"; done"
+                                       " 2>/dev/null <\"${0%/*}/$3\"\n";
+    fs::permissions(folder_ / "find", fs::perms::owner_all);
+  }
+  ~FakeFind() { fs::remove_all(folder_); }
+  FakeFind(const FakeFind&) = delete;
+  FakeFind& operator=(const FakeFind&) = delete;
+
+  void print(const std::string& pattern, const std::string& lines) {
+    std::ofstream(folder_ / pattern) << lines;
+  }
+
+ private:
+  static fs::path temporaryFolder() {
+    std::string path = fs::temp_directory_path() / "quorvel-find-XXXXXX";
+    EXPECT_NE(mkdtemp(path.data()), nullptr);
+    return path;
+  }
+
+  fs::path folder_ = temporaryFolder();
+  ScopedVariable path_{"PATH", folder_};
+  ScopedVariable display_{"DISPLAY", std::nullopt};
+};
+
+std::wstring comPorts(const std::string& lines) {
+  FakeFind find;
+  find.print("ttyS*", lines);
+  return Builder(false).GetCOMDevicesList("ttyS", L"COM", 0);
+}
+
+std::wstring wideItem(const std::wstring& value, const std::wstring& text) {
+  return str2wstr(expected::item(wstr2str(value), wstr2str(text)));
+}
+
+std::string formOf(bool russian) {
+  Builder builder(russian);
+  builder.BuildProduct(false);
+  return wstr2str(builder.GetProduct());
+}
+
+bool isWellFormed(const std::string& document) {
+  FILE* const xmllint = popen("xmllint --noout -", "w");
+  std::fwrite(document.data(), 1, document.size(), xmllint);
+  return pclose(xmllint) == 0;
+}
+
+TEST(LinuxParametersTableBuilder, OverridesInTheSameSlots) {
+  EXPECT_EQ(slotOf(&Builder::BuildPortPart), 3u);
+  EXPECT_EQ(slotOf(&Builder::BuildKeyboardDevicePart), 4u);
+  EXPECT_EQ(slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
+  EXPECT_EQ(sizeof(Builder), sizeof(ParametersTableBuilder));
+}
+
+TEST(LinuxParametersTableBuilder, WholeFormWithoutDevices) {
+  const FakeFind find;
+  EXPECT_EQ(formOf(false), expected::settingsForm("en", "", ""));
+  EXPECT_EQ(formOf(true), expected::settingsForm("ru", "", ""));
+}
+
+TEST(LinuxParametersTableBuilder, WholeFormWithEveryFamily) {
+  const std::string ports = expected::item("1", "COM1") + expected::item("2", "COM2") +
+                            expected::item("65", "Virtual COM1") +
+                            expected::item("129", "USB COM1");
+  std::string english;
+  std::string russian;
+  {
+    FakeFind find;
+    find.print("ttyS*", "/dev/ttyS1\n/dev/ttyS0\n");
+    find.print("ttyACM*", "/dev/ttyACM0\n");
+    find.print("ttyUSB*", "/dev/ttyUSB0\n");
+    english = formOf(false);
+    russian = formOf(true);
+  }
+  EXPECT_EQ(english, expected::settingsForm("en", ports, ""));
+  EXPECT_EQ(russian, expected::settingsForm("ru", ports, ""));
+  EXPECT_TRUE(isWellFormed(english));
+  EXPECT_TRUE(isWellFormed(russian));
+}
+
+TEST(LinuxParametersTableBuilder, PortWithoutSerialDevices) {
+  const FakeFind find;
+  Builder builder(false);
+  builder.BuildPortPart();
+  EXPECT_EQ(builder.GetProduct(),
+            L"<Parameter Name=\"Port\" Caption=\"Port\" TypeValue=\"Number\" DefaultValue=\"0\">"
+            L"<ChoiceList><Item Value=\"0\">Keyboard</Item></ChoiceList></Parameter>");
+}
+
+TEST(LinuxParametersTableBuilder, ThePartsNoSystemFillsAreEmptyHereToo) {
+  Builder builder(false);
+  builder.BuildBitsPart();
+  builder.BuildPrefixPart();
+  builder.BuildKeyboardTimeoutPart(true);
+  builder.BuildLogParametersPart();
+  EXPECT_EQ(builder.GetProduct(), L"");
+}
+
+TEST(COMDevicesList, IsEmptyWhereFindCannotRun) {
+  const ScopedVariable path("PATH", "");
+  EXPECT_EQ(Builder(false).GetCOMDevicesList("ttyS", L"COM", 0), L"");
+}
+
+TEST(COMDevicesList, IsSortedByNumberAndNotByText) {
+  EXPECT_EQ(comPorts("/dev/ttyS10\n/dev/ttyS2\n"),
+            wideItem(L"3", L"COM3") + wideItem(L"11", L"COM11"));
+}
+
+TEST(COMDevicesList, CountsFromTheBaseOfTheFamily) {
+  FakeFind find;
+  find.print("ttyUSB*", "/dev/ttyUSB7\n");
+  EXPECT_EQ(Builder(true).GetCOMDevicesList("ttyUSB", L"USB COM", 128),
+            wideItem(L"136", L"USB COM8"));
+}
+
+TEST(COMDevicesList, TakesWhatHasNoNumberForTheFirstFile) {
+  EXPECT_EQ(comPorts("/dev/folder/ttyS5\n"), wideItem(L"1", L"COM1"));
+  EXPECT_EQ(comPorts("/dev/ttySx\n"), wideItem(L"1", L"COM1"));
+  EXPECT_EQ(comPorts("/dev/ttyS\n/dev/ttyS3\n"), wideItem(L"1", L"COM1") + wideItem(L"4", L"COM4"));
+}
+
+TEST(COMDevicesList, OffersEachNumberOnce) {
+  EXPECT_EQ(comPorts("/dev/ttyS0\n/dev/folder/ttyS5\n/dev/ttyS0\n"), wideItem(L"1", L"COM1"));
+}
+
+TEST(COMDevicesList, ReadsTheNumberUpToWhatFollowsIt) {
+  EXPECT_EQ(comPorts("/dev/ttyS4.lock\n"), wideItem(L"5", L"COM5"));
+  EXPECT_EQ(comPorts("/dev/ttyS007\n"), wideItem(L"8", L"COM8"));
+}
+
+TEST(COMDevicesList, CutsALineThatIsTooLongInTwo) {
+  const std::string name = "/dev/ttyS6" + std::string(600, '.');
+  EXPECT_EQ(comPorts(name + "\n"), wideItem(L"1", L"COM1") + wideItem(L"7", L"COM7"));
+}
+
+TEST(COMDevicesList, SurvivesNumbersThatNoPortHas) {
+  EXPECT_EQ(comPorts("/dev/ttyS2147483647\n"), wideItem(L"2147483648", L"COM2147483648"));
+  EXPECT_EQ(comPorts("/dev/ttyS99999999999999999999\n"), wideItem(L"1", L"COM1"));
+  EXPECT_EQ(comPorts("/dev/ttyS-5\n"), wideItem(L"-4", L"COM-4"));
+}
+
+TEST(EventDeviceList, IsEmptyWithoutADisplay) {
+  const ScopedVariable none("DISPLAY", std::nullopt);
+  EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
+  const ScopedVariable unreachable("DISPLAY", ":nowhere");
+  EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
+}
+
+}  // namespace
+}  // namespace quorvel
