@@ -1,7 +1,14 @@
 #include "performer/QuorvelPerformerLinux.h"
 
+#include "parameters/LinuxParametersTableBuilder.h"
+#include "performer/AppSettings.h"
+
 namespace quorvel {
 
-std::wstring QuorvelPerformerLinux::GetParameters() { return {}; }
+std::wstring QuorvelPerformerLinux::GetParameters() {
+  LinuxParametersTableBuilder builder(AppSettings::locale() == kRussian);
+  builder.BuildProduct(false);
+  return builder.GetProduct();
+}
 
 }  // namespace quorvel
