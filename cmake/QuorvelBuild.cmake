@@ -3,6 +3,11 @@
 math(EXPR QUORVEL_WORD_SIZE "${CMAKE_SIZEOF_VOID_P} * 8")
 
 option(QUORVEL_WERROR "Treat compiler warnings as errors" OFF)
+# The exact language, and every file ready for the linters.
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+option(QUORVEL_FUZZ "Build the fuzz targets instead of the tests; needs clang" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as given to -fsanitize=")
 
 find_package(PkgConfig REQUIRED)
@@ -21,6 +26,9 @@ if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_build INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorvel_build INTERFACE -fsanitize=${QUORVEL_SANITIZE})
+  if(QUORVEL_FUZZ)
+    target_compile_options(quorvel_build INTERFACE -fsanitize=fuzzer-no-link)
+  endif()
 else()
   # Fortified functions and sanitizers intercept the same calls: one or the other.
   target_compile_options(quorvel_build INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
@@ -35,4 +43,26 @@ function(quorvel_room name)
   cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;USES")
   add_library(quorvel_${name} OBJECT ${room_SOURCES})
   target_link_libraries(quorvel_${name} PUBLIC quorvel_build ${room_USES})
+endfunction()
+
+# quorvel_component(TARGET FILE-NAME)
+#
+# Makes of a shared library a component that a host can load: all rooms, four exported names.
+function(quorvel_component target file)
+  target_link_libraries(${target} PRIVATE
+    quorvel_util quorvel_devices quorvel_performer quorvel_addin)
+  set_target_properties(${target} PROPERTIES
+    PREFIX ""
+    OUTPUT_NAME "${file}"
+    LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}"
+    LINKER_LANGUAGE CXX
+    LINK_DEPENDS "${CMAKE_SOURCE_DIR}/cmake/exports.map")
+  # nodelete: a clipboard that still answers other programs must not lose its code when the host
+  # unloads the library.
+  target_link_options(${target} PRIVATE
+    "LINKER:--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map"
+    "LINKER:-z,relro,-z,now,-z,noexecstack,-z,nodelete")
+  if(NOT QUORVEL_SANITIZE)
+    target_link_options(${target} PRIVATE "LINKER:--no-undefined")
+  endif()
 endfunction()

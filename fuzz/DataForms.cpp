@@ -1,0 +1,43 @@
+// What scanned bytes are turned into, and back.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "util/Base64.h"
+#include "util/CodePages.h"
+#include "util/HumanReadable.h"
+#include "util/SymbolNames.h"
+#include "util/Text.h"
+
+namespace {
+
+void require(bool holds) {
+  if (!holds) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace quorvel;
+  const std::string bytes(reinterpret_cast<const char*>(data), size);
+
+  require(base64_decode(base64_encode(bytes)) == bytes);
+  base64_decode(bytes);
+
+  // Nothing invisible is left in the human-readable form.
+  for (const char byte : raw2HRS(bytes)) require(byte > ' ' && byte <= '~');
+
+  const std::wstring text = str2wstr(bytes);
+  require(str2wstr(wstr2str(text)) == text);
+  hrs2Raw(text);
+  wchar_t buffer[16];
+  require(hrs2Raw(buffer, text, 16) <= 16);
+
+  ConvertMbsToWcs(bytes, kEncodingUtf8.data());
+  ConvertMbsToWcs(bytes, kEncodingWindows1251.data());
+  ConvertUTF8Input(bytes.c_str());
+
+  std::string name = bytes;
+  require(TrimXMLIllegalChars(name) && name.size() == bytes.size());
+  return 0;
+}
