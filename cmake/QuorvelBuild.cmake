@@ -50,7 +50,7 @@ endfunction()
 # Makes of a shared library a component that a host can load: all rooms, four exported names.
 function(quorvel_component target file)
   target_link_libraries(${target} PRIVATE
-    quorvel_util quorvel_devices quorvel_performer quorvel_addin)
+    quorvel_util quorvel_devices quorvel_parameters quorvel_dialog quorvel_performer quorvel_addin)
   set_target_properties(${target} PROPERTIES
     PREFIX ""
     OUTPUT_NAME "${file}"
