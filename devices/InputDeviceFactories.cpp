@@ -1,6 +1,7 @@
 #include "devices/InputDeviceFactories.h"
 
 #include "devices/InputDeviceComPort.h"
+#include "devices/InputDeviceKeyboard.h"
 
 namespace quorvel {
 
@@ -10,8 +11,10 @@ std::unique_ptr<InputDevice> InputDeviceComPortFactory::create(const DataCallbac
   return device;
 }
 
-std::unique_ptr<InputDevice> InputDeviceKeyboardFactory::create(const DataCallback&) {
-  return nullptr;
+std::unique_ptr<InputDevice> InputDeviceKeyboardFactory::create(const DataCallback& callback) {
+  auto device = std::make_unique<InputDeviceKeyboard>(callback);
+  if (!device->start(*this)) return nullptr;
+  return device;
 }
 
 }  // namespace quorvel
