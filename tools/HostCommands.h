@@ -8,6 +8,7 @@
 namespace terminal {
 
 int runInfo(ComponentLibrary& library, const Arguments& arguments);
+int runForm(ComponentLibrary& library, const Arguments& arguments);
 int runListen(ComponentLibrary& library, const Arguments& arguments);
 
 }  // namespace terminal

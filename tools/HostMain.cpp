@@ -14,6 +14,10 @@ usage: quorvel-host [--library FILE] COMMAND [OPTION...]
 
 commands:
   info      show the component's classes, version, description and methods
+  form      show the settings that the component offers, with the ports and keyboards
+            of this machine; * marks the default
+              --all             every choice; long lists are folded otherwise
+              --xml             the document itself
   listen    open a device and print each scan until Ctrl-C
               --port N          the serial port: 1-64 ttyS0 onward, 65-128 ttyACM0
                                 onward, 129 and up ttyUSB0 onward
@@ -35,6 +39,10 @@ exit code: 0 done, 1 failed, 2 the command line is wrong
 
 команды:
   info      показать классы, версию, описание и методы компоненты
+  form      показать настройки, которые предлагает компонента, с портами и клавиатурами
+            этой машины; * отмечает значение по умолчанию
+              --all             все варианты; иначе длинные списки свёрнуты
+              --xml             сам документ
   listen    открыть устройство и печатать каждое сканирование до Ctrl-C
               --port N          последовательный порт: 1-64 — ttyS0 и далее, 65-128 —
                                 ttyACM0 и далее, от 129 — ttyUSB0 и далее
@@ -74,7 +82,8 @@ int run(const Arguments& words) {
       return command(library, arguments);
     };
   };
-  return runCommand({{"info", with(runInfo)}, {"listen", with(runListen)}}, rest, kHelp);
+  return runCommand({{"info", with(runInfo)}, {"form", with(runForm)}, {"listen", with(runListen)}},
+                    rest, kHelp);
 }
 
 }  // namespace
