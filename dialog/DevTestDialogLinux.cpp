@@ -1,0 +1,183 @@
+// The window. What it listens to is in DevTestListeners.cpp.
+#include "dialog/DevTestDialogLinux.h"
+
+#include <array>
+#include <utility>
+
+#include "dialog/Clipboard.h"
+#include "dialog/Gtk.h"
+
+namespace quorvel {
+namespace {
+
+struct TextPair {
+  const char* russian;
+  const char* english;
+};
+
+// By STRING_ID.
+constexpr std::array<TextPair, 5> kTexts = {{{"Закрыть", "Close"},
+                                             {"Очистить", "Clear"},
+                                             {"Копировать", "Copy"},
+                                             {"Тест устройства", "Device test"},
+                                             {"Таймаут", "Timeout"}}};
+
+enum Column { kSourceColumn, kDataColumn, kColumns };
+
+struct Size {  // in pixels
+  int width;
+  int height;
+};
+
+constexpr Size kWindowSize = {600, 400};
+constexpr Size kListSize = {500, 350};
+constexpr int kRowHeight = 25;  // pixels
+constexpr guint kPadding = 5;   // pixels
+
+constexpr gint kCloseResponse = 1;
+
+}  // namespace
+
+GtkWidget* DevTestDialogLinux::mDlg = nullptr;
+GtkWidget* DevTestDialogLinux::mList = nullptr;
+GtkListStore* DevTestDialogLinux::mStore = nullptr;
+
+// The widgets that all dialogs share, for as long as one is open. They are kept by references of
+// the dialog's own: a host that quits may destroy the window while a row is on its way to the list.
+class DevTestDialogLinux::SharedWidgets {
+ public:
+  SharedWidgets() {
+    mDlg = GTK_WIDGET(g_object_ref_sink(gtk_dialog_new()));
+    mList = GTK_WIDGET(g_object_ref_sink(gtk_tree_view_new()));
+    mStore = gtk_list_store_new(kColumns, G_TYPE_STRING, G_TYPE_STRING);
+  }
+  ~SharedWidgets() {
+    gtk_widget_destroy(mDlg);
+    // No main loop may follow that would send it: the window is to vanish before the listeners
+    // stop.
+    gdk_display_flush(gdk_display_get_default());
+    g_object_unref(std::exchange(mStore, nullptr));
+    g_object_unref(std::exchange(mList, nullptr));
+    g_object_unref(std::exchange(mDlg, nullptr));
+  }
+  SharedWidgets(const SharedWidgets&) = delete;
+  SharedWidgets& operator=(const SharedWidgets&) = delete;
+};
+
+DevTestDialogLinux::DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboardFactory,
+                                       const InputDeviceComPortFactory& comPortFactory,
+                                       bool russian, int outputDataType)
+    : russian_(russian),
+      keyboardFactory_(keyboardFactory),
+      comPortFactory_(comPortFactory),
+      outputDataType_(outputDataType),
+      rows_([](const Row& row) { AddItemToList(row.source.c_str(), row.data.c_str()); }) {}
+
+DevTestDialogLinux::~DevTestDialogLinux() { stopListeners(); }
+
+std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
+  const auto index = static_cast<std::size_t>(id);
+  if (index >= kTexts.size()) return {};
+  return russian_ ? kTexts[index].russian : kTexts[index].english;
+}
+
+void DevTestDialogLinux::ShowDlg() {
+  if (mDlg || !prepareGtk()) return;
+  ListenPorts();
+  ListenKeyboardDevices();
+  const SharedWidgets widgets;
+  buildWindow();
+  gtk_widget_show_all(mDlg);
+  gtk_dialog_run(GTK_DIALOG(mDlg));
+  rows_.close();
+}
+
+void DevTestDialogLinux::buildWindow() const {
+  gtk_widget_set_size_request(mDlg, kWindowSize.width, kWindowSize.height);
+  gtk_window_set_modal(GTK_WINDOW(mDlg), TRUE);
+
+  GtkWidget* const scrolled = gtk_scrolled_window_new(nullptr, nullptr);
+  gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_AUTOMATIC,
+                                 GTK_POLICY_AUTOMATIC);
+  gtk_widget_set_size_request(scrolled, kListSize.width, kListSize.height);
+  gtk_container_add(GTK_CONTAINER(scrolled), mList);
+
+  GtkWidget* const across = gtk_hbox_new(FALSE, 0);
+  gtk_box_pack_start(GTK_BOX(across), scrolled, TRUE, TRUE, kPadding);
+  gtk_box_pack_start(GTK_BOX(across), buildButtons(), FALSE, FALSE, kPadding);
+  gtk_container_add(GTK_CONTAINER(gtk_dialog_get_content_area(GTK_DIALOG(mDlg))), across);
+
+  InitList();
+  gtk_window_set_title(GTK_WINDOW(mDlg), LoadString(kTitle).c_str());
+}
+
+GtkWidget* DevTestDialogLinux::buildButtons() const {
+  struct Button {
+    STRING_ID label;
+    void (*clicked)(GtkWidget*, gpointer);
+  };
+  static constexpr std::array<Button, 3> kButtons = {{{kCloseButton, OnButtonCloseClicked},
+                                                      {kClearButton, OnButtonClearClicked},
+                                                      {kCopyButton, OnButtonCopyClicked}}};
+  GtkWidget* const down = gtk_vbox_new(FALSE, 0);
+  for (const Button& button : kButtons) {
+    GtkWidget* const widget = gtk_button_new_with_label(LoadString(button.label).c_str());
+    // A keyboard scanner types into the window as well: its Enter must not press the button that
+    // was clicked last.
+    gtk_button_set_focus_on_click(GTK_BUTTON(widget), FALSE);
+    gtk_box_pack_start(GTK_BOX(down), widget, FALSE, FALSE, kPadding);
+    g_signal_connect(widget, "clicked", G_CALLBACK(button.clicked), nullptr);
+  }
+  return down;
+}
+
+void DevTestDialogLinux::InitList() {
+  GtkTreeView* const view = GTK_TREE_VIEW(mList);
+  GtkCellRenderer* const text = gtk_cell_renderer_text_new();
+  gtk_cell_renderer_set_fixed_size(text, -1, kRowHeight);
+  for (const Column column : {kSourceColumn, kDataColumn}) {
+    gtk_tree_view_append_column(
+        view, gtk_tree_view_column_new_with_attributes("", text, "text", column, nullptr));
+  }
+  gtk_tree_view_set_model(view, GTK_TREE_MODEL(mStore));
+  gtk_tree_selection_set_mode(gtk_tree_view_get_selection(view), GTK_SELECTION_SINGLE);
+  // What a keyboard scanner types is no search.
+  gtk_tree_view_set_enable_search(view, FALSE);
+}
+
+void DevTestDialogLinux::AddItemToList(const char* source, const char* data) {
+  if (!mStore) return;
+  GtkTreeIter row;
+  gtk_list_store_append(mStore, &row);
+  gtk_list_store_set(mStore, &row, kSourceColumn, source, kDataColumn, data, -1);
+  GtkTreeView* const view = GTK_TREE_VIEW(mList);
+  const TreePath path(gtk_tree_model_get_path(GTK_TREE_MODEL(mStore), &row));
+  gtk_tree_view_scroll_to_cell(view, path.get(), nullptr, FALSE, 0, 0);
+  gtk_tree_view_expand_all(view);
+  gtk_tree_view_row_activated(view, path.get(), gtk_tree_view_get_column(view, kSourceColumn));
+}
+
+void DevTestDialogLinux::OnButtonCloseClicked(GtkWidget*, gpointer) {
+  gtk_dialog_response(GTK_DIALOG(mDlg), kCloseResponse);
+}
+
+void DevTestDialogLinux::OnButtonClearClicked(GtkWidget*, gpointer) {
+  gtk_list_store_clear(mStore);
+}
+
+void DevTestDialogLinux::OnButtonCopyClicked(GtkWidget*, gpointer) {
+  GtkTreeModel* model = nullptr;
+  GtkTreeIter row;
+  GtkTreeSelection* const selection = gtk_tree_view_get_selection(GTK_TREE_VIEW(mList));
+  if (!gtk_tree_selection_get_selected(selection, &model, &row)) return;
+  gchar* text = nullptr;
+  gtk_tree_model_get(model, &row, kDataColumn, &text, -1);
+  const GOwned<gchar> owned(text);
+  try {
+    clip::set_text(text);
+  } catch (...) {
+    // The caller is GTK, which knows no exceptions. The clipboard stays as it was.
+  }
+}
+
+}  // namespace quorvel

@@ -1,0 +1,75 @@
+// What the device test window listens to.
+#include <list>
+
+#include "devices/KeyboardList.h"
+#include "devices/ReaderThread.h"
+#include "devices/SerialFamilies.h"
+#include "devices/XConnection.h"
+#include "dialog/DevTestDialogLinux.h"
+#include "dialog/RowTexts.h"
+#include "util/Text.h"
+
+namespace quorvel {
+namespace {
+
+using Listener = std::shared_ptr<InputDevice>;
+
+void* stop(void* listener) {
+  static_cast<Listener*>(listener)->reset();
+  return nullptr;
+}
+
+}  // namespace
+
+// Files are counted, not looked at: each family is taken to be numbered from 0 without gaps.
+void DevTestDialogLinux::ListenPorts() {
+  for (const SerialFamily& family : kSerialFamilies) {
+    const auto count = static_cast<std::uint32_t>(findDeviceFiles(family.prefix).size());
+    for (std::uint32_t i = 0; i < count; ++i) DoListenPort(family.firstPort() + i);
+  }
+}
+
+void DevTestDialogLinux::DoListenPort(unsigned port) {
+  comPortFactory_.port = port;
+  listen(shortNameOf(port), comPortFactory_);
+}
+
+void DevTestDialogLinux::ListenKeyboardDevices() {
+  for (const XInputDevice& device : listXInputDevices(XConnection::open())) {
+    if (device.isKeyboard) DoListenKeyboardDevice(str2wstr(device.name));
+  }
+}
+
+void DevTestDialogLinux::DoListenKeyboardDevice(const std::wstring& name) {
+  keyboardFactory_.port = 0;
+  keyboardFactory_.keyboardDevice = name;
+  listen(name, keyboardFactory_);
+}
+
+void DevTestDialogLinux::listen(const std::wstring& source, InputDeviceFactory& factory) {
+  const auto [listener, isNew] = listeners_.try_emplace(source);
+  // The first device of a name is the one that is listened on.
+  if (!isNew) return;
+  listener->second =
+      factory.create([this, source](const std::wstring& data) { OnInput(source, data); });
+}
+
+void DevTestDialogLinux::OnInput(const std::wstring& source, const std::wstring& data) {
+  if (data.empty()) return;
+  rows_.push({sourceCell(source), dataCell(data, outputDataType_)});
+}
+
+void DevTestDialogLinux::stopListeners() {
+  std::list<ReaderThread> stoppers;
+  try {
+    for (auto& [source, listener] : listeners_) {
+      if (listener) stoppers.emplace_back().start(stop, &listener);
+    }
+  } catch (...) {
+    // Those for which there is no memory or no thread are stopped one by one, by the map.
+  }
+  for (ReaderThread& stopper : stoppers) stopper.join();
+  listeners_.clear();
+}
+
+}  // namespace quorvel

@@ -1,0 +1,52 @@
+#include "dialog/RowQueue.h"
+
+#include <gdk/gdk.h>
+
+namespace quorvel {
+namespace {
+
+// Rows shown in one go: between two goes the window is drawn and its buttons answer, however fast
+// the rows come.
+constexpr int kRowsAtOnce = 64;
+
+}  // namespace
+
+void RowQueue::push(Row row) {
+  const std::lock_guard lock(mutex_);
+  if (closed_) return;
+  rows_.push_back(std::move(row));
+  // Not g_main_context_invoke: it would run on this thread when no loop happens to be running.
+  if (source_ == 0) source_ = gdk_threads_add_idle(showSome, this);
+}
+
+void RowQueue::close() {
+  const std::lock_guard lock(mutex_);
+  closed_ = true;
+  rows_.clear();
+  if (source_ != 0) g_source_remove(source_);
+  source_ = 0;
+}
+
+gboolean RowQueue::showSome(gpointer queue) {
+  for (int shown = 0; shown < kRowsAtOnce; ++shown) {
+    if (!static_cast<RowQueue*>(queue)->showNext()) return G_SOURCE_REMOVE;
+  }
+  return G_SOURCE_CONTINUE;
+}
+
+bool RowQueue::showNext() {
+  Row row;
+  {
+    const std::lock_guard lock(mutex_);
+    if (rows_.empty()) {
+      source_ = 0;
+      return false;
+    }
+    row = std::move(rows_.front());
+    rows_.pop_front();
+  }
+  show_(row);
+  return true;
+}
+
+}  // namespace quorvel
