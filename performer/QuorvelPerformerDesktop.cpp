@@ -4,6 +4,7 @@
 #include <string_view>
 #include <utility>
 
+#include "dialog/DevTestDialogLinux.h"
 #include "util/CodePages.h"
 #include "util/Variants.h"
 
@@ -153,6 +154,15 @@ bool QuorvelPerformerDesktop::CloseDevice(const std::wstring& deviceId) {
   return devices_.erase(deviceId) != 0;
 }
 
-bool QuorvelPerformerDesktop::TestDevice(const std::wstring&) { return true; }
+bool QuorvelPerformerDesktop::TestDevice(const std::wstring&) {
+  InputDeviceComPortFactory comPortFactory = comPortFactory_;
+  comPortFactory.suffix.clear();
+  InputDeviceKeyboardFactory keyboardFactory = keyboardFactory_;
+  keyboardFactory.listenOnly = true;
+  DevTestDialogLinux dialog(keyboardFactory, comPortFactory, AppSettings::locale() == kRussian,
+                            static_cast<int>(AppSettings::ioDataType()));
+  dialog.ShowDlg();
+  return true;
+}
 
 }  // namespace quorvel
