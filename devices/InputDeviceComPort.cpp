@@ -68,7 +68,8 @@ class ReadSet {
 }  // namespace
 
 bool waitForReadyRead(int descriptor, unsigned long milliseconds) {
-  if (descriptor <= 0) return false;
+  // select overlooks numbers beyond the process's descriptor table, and would wait for nothing.
+  if (descriptor <= 0 || ::fcntl(descriptor, F_GETFD) < 0) return false;
   const bool unlimited = milliseconds == std::numeric_limits<std::uint32_t>::max();
   timeval left{static_cast<time_t>(milliseconds / 1000),
                static_cast<suseconds_t>(milliseconds % 1000 * 1000)};
