@@ -22,7 +22,8 @@ void FocusOwner::notice(const XEvent& event) {
   if (!unrelated) known_ = false;
 }
 
-// Everything is first watched and then asked, so that no change falls in between.
+// Everything is first watched and then asked, so that no change falls in between. That a window on
+// the path moves elsewhere need not be watched: the server hides it first, which takes the focus.
 bool FocusOwner::ask() {
   const Window focus = focusWindow();
   watchFocus(focus == None ? DefaultRootWindow(connection_.get()) : focus);
@@ -39,19 +40,20 @@ Window FocusOwner::focusWindow() const {
 
 bool FocusOwner::isAnotherAbove(Window window) {
   std::optional<Window> parent;
-  for (watchPath(window); (parent = parentOf(connection_, window)); window = *parent) {
+  while ((parent = parentOf(connection_, window))) {
     if (*parent == None) return false;
-    watchPath(*parent);
+    watchProcess(*parent);
     const std::optional<CardinalProperty> process = readCardinal(connection_, *parent, processId_);
     if (!process) break;
     if (*process) return static_cast<pid_t>(**process) != getpid();
+    window = *parent;
   }
   known_ = false;
   return false;
 }
 
-void FocusOwner::watchPath(Window window) {
-  XSelectInput(connection_.get(), window, StructureNotifyMask | PropertyChangeMask);
+void FocusOwner::watchProcess(Window window) {
+  XSelectInput(connection_.get(), window, PropertyChangeMask);
   path_.push_back(window);
 }
 

@@ -28,7 +28,7 @@ class FocusOwner {
   // The window that has the focus; None when no single one has.
   Window focusWindow() const;
   bool isAnotherAbove(Window window);
-  void watchPath(Window window);
+  void watchProcess(Window window);
   void watchFocus(Window window);
   void forget();
 
@@ -37,7 +37,7 @@ class FocusOwner {
   bool known_ = false;
   bool isAnother_ = false;    // the answer, when known
   Window focus_ = None;       // watched for losing the focus; a root when no window has it
-  std::vector<Window> path_;  // from the focus upwards, watched for new parents and processes
+  std::vector<Window> path_;  // the windows above it that were asked, watched for a new process
 };
 
 }  // namespace quorvel
