@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -116,11 +115,6 @@ class XTestKeyboard final : public VirtualKeyboard {
   std::unique_ptr<Display, Closer> display_;
 };
 
-struct Stroke {
-  Key key;
-  std::optional<Key> modifier;
-};
-
 // Keys that lie side by side: their characters without and with Shift.
 struct Row {
   std::uint8_t firstCode;
@@ -148,6 +142,16 @@ constexpr ControlCharacter kControlCharacters[] = {
     {'\x1D', {kRightBracket, Key::kLeftControl}},
 };
 
+}  // namespace
+
+std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath) {
+  return std::make_unique<InputTestKeyboard>(socketPath);
+}
+
+std::unique_ptr<VirtualKeyboard> connectXTestKeyboard() {
+  return std::make_unique<XTestKeyboard>();
+}
+
 Stroke strokeFor(char character) {
   for (const Row& row : kUsRows) {
     for (const bool shift : {false, true}) {
@@ -162,16 +166,6 @@ Stroke strokeFor(char character) {
   }
   throw std::invalid_argument("no key types the character with code " +
                               std::to_string(static_cast<unsigned char>(character)));
-}
-
-}  // namespace
-
-std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath) {
-  return std::make_unique<InputTestKeyboard>(socketPath);
-}
-
-std::unique_ptr<VirtualKeyboard> connectXTestKeyboard() {
-  return std::make_unique<XTestKeyboard>();
 }
 
 void tap(VirtualKeyboard& keyboard, Key key) {

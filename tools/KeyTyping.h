@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -61,9 +62,17 @@ std::unique_ptr<VirtualKeyboard> connectXTestKeyboard();
 void tap(VirtualKeyboard& keyboard, Key key);
 void tapWith(VirtualKeyboard& keyboard, Key modifier, Key key);
 
-// Types what a scanner set to the US layout types for `text`: printable ASCII characters, tab,
-// carriage return or line feed (Return), and the group separator (Control and right bracket).
-// Throws std::invalid_argument for any other character, before a key is pressed.
+// The key, and the modifier held with it, that types a character: of the US layout printable ASCII,
+// tab, carriage return or line feed (Return), and the group separator (Control and right bracket).
+// Throws std::invalid_argument for any other character.
+struct Stroke {
+  Key key;
+  std::optional<Key> modifier;
+};
+Stroke strokeFor(char character);
+
+// Types what a scanner set to the US layout types for `text`. Throws as strokeFor does, before a
+// key is pressed.
 void type(VirtualKeyboard& keyboard, std::string_view text);
 
 }  // namespace terminal

@@ -2,7 +2,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
+
+#include "tools/HostText.h"
 
 namespace rig {
 namespace {
@@ -35,6 +38,14 @@ std::u16string Driver::openPort(std::int32_t port) {
   return *id;
 }
 
+std::u16string Driver::openKeyboard(const std::u16string& name) {
+  component.setParameter(u"Port", 0);
+  component.setParameter(u"KeyboardDevice", name);
+  std::optional<std::u16string> id = component.open();
+  if (!id) throw std::runtime_error("keyboard " + terminal::toUtf8(name) + " cannot be opened");
+  return *id;
+}
+
 terminal::Event Driver::event() {
   std::optional<terminal::Event> event = component.events().take(kPatience);
   if (!event) throw std::runtime_error("no event came");
@@ -43,5 +54,13 @@ terminal::Event Driver::event() {
 
 std::size_t threadCount() { return entriesOf("/proc/self/task"); }
 std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
+
+std::size_t dataKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmData:")) return std::stoul(line.substr(7));
+  }
+  throw std::runtime_error("no VmData in /proc/self/status");
+}
 
 }  // namespace rig

@@ -23,6 +23,9 @@ struct Driver {
   // Sets the port and opens it; the test fails when it cannot be opened.
   std::u16string openPort(std::int32_t port);
 
+  // The same for a keyboard, by its name in the form.
+  std::u16string openKeyboard(const std::u16string& name);
+
   // The next event; the test fails when none comes.
   terminal::Event event();
 
@@ -33,5 +36,8 @@ struct Driver {
 // Threads and open descriptors of this process.
 std::size_t threadCount();
 std::size_t descriptorCount();
+
+// The size of this process's writable memory. It grows by a leak, and by what libraries keep.
+std::size_t dataKilobytes();
 
 }  // namespace rig

@@ -2,11 +2,11 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -50,9 +50,9 @@ std::filesystem::path makeTemporaryDirectory() {
   return path;
 }
 
-std::string inputDeviceSection(const std::string& id, const std::string& socket,
+std::string inputDeviceSection(const std::string& name, const std::string& socket,
                                const std::string& type) {
-  return "Section \"InputDevice\"\n  Identifier \"" + id + "\"\n  Driver \"inputtest\"\n" +
+  return "Section \"InputDevice\"\n  Identifier \"" + name + "\"\n  Driver \"inputtest\"\n" +
          "  Option \"DeviceType\" \"" + type + "\"\n  Option \"SocketPath\" \"" + socket +
          "\"\nEndSection\n";
 }
@@ -90,6 +90,7 @@ pid_t launch(const std::vector<std::string>& command, const std::string& output,
 XServer::XServer(const std::vector<std::string>& keyboards) : directory_(makeTemporaryDirectory()) {
   writeConfiguration(keyboards);
   start();
+  setLayout();
 }
 
 XServer::~XServer() {
@@ -161,6 +162,13 @@ void XServer::start() {
     throw std::runtime_error("the X server did not start:\n" + reason);
   }
   display_ = ":" + number;
+}
+
+// As every desktop session does; the server itself starts with the key codes of another age.
+void XServer::setLayout() const {
+  const std::string command =
+      "setxkbmap -display " + display_ + " -rules evdev -model pc105 -layout us";
+  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
 }
 
 void XServer::end(int signal) {

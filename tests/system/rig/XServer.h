@@ -45,6 +45,7 @@ class XServer {
  private:
   void writeConfiguration(const std::vector<std::string>& keyboards) const;
   void start();
+  void setLayout() const;
   void end(int signal);
 
   std::filesystem::path directory_;
