@@ -25,6 +25,7 @@ std::size_t entriesOf(const char* folder) {
 }  // namespace
 
 std::string libraryPath() { return fromEnvironment("QUORVEL_LIBRARY"); }
+std::string englishLibraryPath() { return fromEnvironment("QUORVEL_ENGLISH_LIBRARY"); }
 std::string hostPath() { return fromEnvironment("QUORVEL_HOST"); }
 std::string scannerPath() { return fromEnvironment("QUORVEL_SCANNER"); }
 

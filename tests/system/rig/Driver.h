@@ -13,6 +13,7 @@ inline constexpr std::chrono::seconds kPatience{20};
 
 // Paths of the built library and tools; the test fails without them.
 std::string libraryPath();
+std::string englishLibraryPath();  // the library in a process that starts English
 std::string hostPath();
 std::string scannerPath();
 

@@ -1,0 +1,184 @@
+// Every choice that the settings form offers, set and opened, does what it says.
+#include <gmock/gmock.h>
+
+#include <deque>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/common/Environment.h"
+#include "tests/system/rig/ChildProgram.h"
+#include "tests/system/rig/DeviceFiles.h"
+#include "tests/system/rig/Driver.h"
+#include "tests/system/rig/Form.h"
+#include "tests/system/rig/XServer.h"
+#include "tools/SerialLine.h"
+
+namespace {
+
+using rig::choicesOf;
+using rig::parametersOf;
+using terminal::FormParameter;
+using terminal::LineSetting;
+using terminal::SerialLine;
+using terminal::toHostText;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+constexpr std::int32_t kFirstUsbPort = 129;
+
+// Sets a value as a host does, in the type that the form gives the parameter.
+bool set(rig::Driver& driver, const FormParameter& parameter, const std::string& value) {
+  const std::u16string name = toHostText(parameter.name);
+  if (parameter.type == "String") return driver.component.setParameter(name, toHostText(value));
+  return driver.component.setParameter(name, std::stoi(value));
+}
+
+TEST(FormChoices, EveryParameterTakesItsDefaultAndEveryChoice) {
+  const rig::DeviceFiles files = {"ttyS0", "ttyACM0", "ttyUSB0"};
+  rig::XServer server({"Scanner"});
+  const ScopedVariable display("DISPLAY", server.display());
+  rig::Driver driver;
+  const std::vector<FormParameter> parameters = parametersOf(driver);
+  EXPECT_EQ(parameters.size(), 8u);
+  for (const FormParameter& parameter : parameters) {
+    EXPECT_TRUE(set(driver, parameter, parameter.defaultValue)) << parameter.name;
+    if (!parameter.choices) continue;
+    EXPECT_FALSE(parameter.choices->empty()) << parameter.name;
+    for (const auto& choice : *parameter.choices) {
+      EXPECT_TRUE(set(driver, parameter, choice.value)) << parameter.name << " " << choice.value;
+    }
+  }
+}
+
+TEST(FormChoices, EachPortOpensItsFile) {
+  const ScopedVariable display("DISPLAY", std::nullopt);
+  const char* const paths[] = {"/dev/ttyS0", "/dev/ttyS10", "/dev/ttyACM2", "/dev/ttyUSB0",
+                               "/dev/ttyUSB7"};
+  std::deque<SerialLine> lines;
+  for (const char* const path : paths) lines.emplace_back(LineSetting::kFramed).link(path);
+  rig::Driver driver;
+  std::vector<std::string> ports = choicesOf(driver, "Port");
+  ASSERT_THAT(ports, ElementsAre("0", "1", "11", "67", "129", "136"));
+  ports.erase(ports.begin());  // the keyboard
+  // All of them are open at once: what comes from a line comes from its port and no other.
+  std::vector<std::u16string> ids;
+  for (const std::string& port : ports) ids.push_back(driver.openPort(std::stoi(port)));
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    lines[i].send("scan\r");
+    EXPECT_EQ(driver.event().source, ids[i]) << paths[i];
+  }
+}
+
+TEST(FormChoices, EachEncodingLeavesAScanWhole) {
+  rig::Driver driver;
+  const std::vector<std::string> encodings = choicesOf(driver, "COMEncoding");
+  EXPECT_THAT(encodings, ElementsAre("UTF-8", "Windows-1251"));
+  std::deque<SerialLine> lines;
+  for (const std::string& encoding : encodings) {
+    lines.emplace_back(LineSetting::kFramed).link("/dev/ttyUSB" + std::to_string(lines.size() - 1));
+    driver.component.setParameter(u"COMEncoding", toHostText(encoding));
+    driver.openPort(kFirstUsbPort + static_cast<std::int32_t>(lines.size()) - 1);
+    lines.back().send("4600051000057 Яблоко\r");
+    EXPECT_EQ(driver.event().data, u"4600051000057 Яблоко") << encoding;
+  }
+}
+
+TEST(FormChoices, EachOutputDataTypeIsTheFormOfTheData) {
+  rig::Driver driver;
+  EXPECT_THAT(choicesOf(driver, "OutputDataType"), ElementsAre("0", "2"));
+  SerialLine line(LineSetting::kFramed);
+  line.link("/dev/ttyUSB0");
+  const std::pair<std::int32_t, std::u16string> expectations[] = {{0, u"scan"}, {2, u"c2Nhbg=="}};
+  for (const auto& [type, data] : expectations) {
+    driver.component.setParameter(u"OutputDataType", type);
+    const std::u16string id = driver.openPort(kFirstUsbPort);
+    line.send("scan\r");
+    EXPECT_EQ(driver.event().data, data);
+    driver.component.close(id);
+  }
+}
+
+// A host process with a line of its own, /dev/ttyUSB`number`. To close a port takes a second; hosts
+// do so side by side.
+class Host {
+ public:
+  // Listens with one setting until so many scans have come.
+  Host(int number, const std::string& setting, int scans) : line_(LineSetting::kRaw) {
+    line_.link("/dev/ttyUSB" + std::to_string(number));
+    program_.emplace(rig::hostPath() + " --library " + rig::libraryPath() +
+                     " listen --json --port " + std::to_string(kFirstUsbPort + number) + " --set " +
+                     setting + " --count " + std::to_string(scans) + " 2>/dev/null");
+  }
+
+  bool waitUntilOpen() { return line_.waitForReader(-1, rig::kPatience); }
+  void send(const std::string& bytes) { line_.send(bytes); }
+
+  // The scans that have come, when all have.
+  std::vector<std::string> scans() {
+    std::vector<std::string> scans;
+    std::istringstream output(program_->readAll());
+    for (std::string line; std::getline(output, line);) {
+      scans.push_back(nlohmann::json::parse(line).at("data"));
+    }
+    return scans;
+  }
+
+ private:
+  SerialLine line_;
+  std::optional<rig::ChildProgram> program_;
+};
+
+TEST(FormChoices, EachSpeedIsTheSpeedOfTheLine) {
+  rig::Driver driver;
+  const std::vector<std::string> speeds = choicesOf(driver, "Speed");
+  ASSERT_EQ(speeds.size(), 11u);
+  std::deque<Host> hosts;
+  for (int i = 0; i < 11; ++i) hosts.emplace_back(i, "Speed=" + speeds.at(unsigned(i)), 1);
+  for (std::size_t i = 0; i < hosts.size(); ++i) {
+    ASSERT_TRUE(hosts[i].waitUntilOpen());
+    EXPECT_EQ(rig::outputOf("stty -F /dev/ttyUSB" + std::to_string(i) + " speed"),
+              speeds[i] + "\n");
+    hosts[i].send("end\r");
+  }
+}
+
+// Two messages without the suffix in them.
+std::vector<std::string> messagesFor(char suffix) {
+  std::vector<std::string> messages = {"12\r",
+                                       "3\x1D"
+                                       "4"};
+  for (std::string& message : messages) std::erase(message, suffix);
+  return messages;
+}
+
+TEST(FormChoices, EachSuffixEndsAMessage) {
+  constexpr int kSideBySide = 32;
+  for (int start = 0; start < 128; start += kSideBySide) {
+    std::deque<Host> hosts;
+    for (int code = start; code < start + kSideBySide; ++code) {
+      hosts.emplace_back(code, "Suffix=" + std::to_string(code), 2);
+    }
+    for (int code = start; code < start + kSideBySide; ++code) {
+      Host& host = hosts[static_cast<std::size_t>(code - start)];
+      ASSERT_TRUE(host.waitUntilOpen()) << code;
+      const auto suffix = static_cast<char>(code);
+      for (const std::string& message : messagesFor(suffix)) host.send(message + suffix);
+    }
+    for (int code = start; code < start + kSideBySide; ++code) {
+      Host& host = hosts[static_cast<std::size_t>(code - start)];
+      EXPECT_THAT(host.scans(), ElementsAreArray(messagesFor(static_cast<char>(code)))) << code;
+    }
+  }
+}
+
+TEST(FormChoices, WithoutASuffixABurstIsAMessage) {
+  Host host(0, "Suffix=-1", 1);
+  ASSERT_TRUE(host.waitUntilOpen());
+  host.send("one\rburst\r");
+  EXPECT_THAT(host.scans(), ElementsAre("one\rburst\r"));
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+// The settings form in a terminal: quorvel-host form.
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "tests/common/Environment.h"
+#include "tests/system/rig/ChildProgram.h"
+#include "tests/system/rig/DeviceFiles.h"
+#include "tests/system/rig/Driver.h"
+#include "tests/system/rig/XServer.h"
+
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class FormCommand : public testing::Test {
+ protected:
+  static std::string command(const std::string& arguments) {
+    return rig::hostPath() + " --library " + rig::englishLibraryPath() + " form " + arguments;
+  }
+  static std::string form(const std::string& arguments = "") {
+    return rig::outputOf(command(arguments));
+  }
+
+  ScopedVariable language_{"LC_ALL", "C"};
+  ScopedVariable display_{"DISPLAY", std::nullopt};
+};
+
+TEST_F(FormCommand, ShowsGroupsCaptionsDefaultsAndChoices) {
+  const rig::DeviceFiles files = {"ttyS0", "ttyUSB0"};
+  EXPECT_THAT(form(), StartsWith(R"(Parameters
+
+Connection parameters
+
+  Port: Port (number, by default 0)
+    * 0    Keyboard
+      1    COM1
+      129  USB COM1
+
+  KeyboardDevice: HID device (text, by default "", shown when Port is 0)
+      (nothing to choose from)
+
+  Speed: Speed (number, by default 9600, shown when Port is not 0)
+      110
+)"));
+}
+
+TEST_F(FormCommand, ShowsDescriptionsAndWhatTakesAnyValue) {
+  EXPECT_THAT(form(), HasSubstr(R"(
+  TimeoutCOM: COM-port Timeout (ms) (number, by default 5, shown when Port is not 0)
+
+  COMEncoding: COM port encoding (text, by default "UTF-8", shown when Port is not 0)
+      Encoding for symbols from COM port
+    * "UTF-8"
+      "Windows-1251"
+)"));
+}
+
+TEST_F(FormCommand, QuotesNamesBecauseTheirBlanksCount) {
+  const rig::XServer server({"AT&T Scanner <B>"});
+  const ScopedVariable display("DISPLAY", server.display());
+  EXPECT_THAT(form(), HasSubstr("\n      \"AT T Scanner  B \"\n"));
+}
+
+TEST_F(FormCommand, FoldsTheSuffixAroundItsDefault) {
+  EXPECT_THAT(form(), HasSubstr(R"(
+  Suffix: Suffix (number, by default 13)
+      -1        <NONE>
+      0 … 12    0 (NUL) … 12 (FF)
+    * 13        13 (CR)
+      14 … 127  14 (SO) … 127 (DEL)
+
+)"));
+}
+
+TEST_F(FormCommand, FoldsNothingWhenAskedForAll) {
+  const std::string all = form("--all");
+  EXPECT_THAT(all, HasSubstr("\n      29   29 (GS)\n"));
+  EXPECT_THAT(all, HasSubstr("\n      60   60 (<)\n"));
+  EXPECT_THAT(all, Not(HasSubstr("…")));
+}
+
+TEST_F(FormCommand, SpeaksTheLanguageOfItsUser) {
+  const ScopedVariable russian("LC_ALL", "ru_RU.UTF-8");
+  EXPECT_THAT(form(), HasSubstr("(число, по умолчанию 9600, видно, когда Port не равно 0)\n"));
+}
+
+TEST_F(FormCommand, RefusesWhatItDoesNotKnow) {
+  EXPECT_EQ(rig::ChildProgram(command("--xml extra 2>/dev/null")).exitCode(), 2);
+  EXPECT_EQ(rig::ChildProgram(command("--colour 2>/dev/null")).exitCode(), 2);
+}
+
+}  // namespace

@@ -1,0 +1,112 @@
+// The keyboards in the settings form of the built library, on a real X server.
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/common/Environment.h"
+#include "tests/common/SettingsForm.h"
+#include "tests/system/rig/ChildProgram.h"
+#include "tests/system/rig/Driver.h"
+#include "tests/system/rig/Form.h"
+#include "tests/system/rig/XServer.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::SizeIs;
+using testing::UnorderedElementsAreArray;
+
+using Names = std::vector<std::string>;
+
+std::string item(const std::string& name) { return expected::item(name, name); }
+
+// A server with keyboards, and a component that sees it.
+struct Desktop {
+  explicit Desktop(const Names& keyboards) : server(keyboards) {}
+
+  std::string document() { return rig::formOf(driver); }
+  Names listed() { return rig::choicesOf(driver, "KeyboardDevice"); }
+
+  rig::XServer server;
+  ScopedVariable display{"DISPLAY", server.display()};
+  rig::Driver driver;
+};
+
+// What the form makes of a name: a blank for each byte that it cannot carry.
+std::string cleaned(std::string name) {
+  for (char& byte : name) {
+    const bool plain = byte > 0 && std::string("&<>\"'").find(byte) == std::string::npos;
+    if (!plain) byte = ' ';
+  }
+  return name;
+}
+
+// The cleaned names of the keyboards that xinput lists; the server's own, through which clients
+// type, are none of the machine's.
+Names listedByXinput() {
+  constexpr std::string_view kBranch = "\u21b3 ";
+  Names names;
+  std::istringstream lines(rig::outputOf("xinput list --short"));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("[slave  keyboard") == line.npos || line.find(" XTEST ") != line.npos) continue;
+    const std::size_t start = line.find(kBranch) + kBranch.size();
+    const std::string padded = line.substr(start, line.rfind("\tid=") - start);
+    names.push_back(cleaned(padded.substr(0, padded.find_last_not_of(' ') + 1)));
+  }
+  return names;
+}
+
+TEST(FormKeyboards, NamesLoseWhatXmlCannotCarry) {
+  Desktop desktop({"AT&T Scanner <B>", "O'Neill", "Сканер 2", "Plain"});
+  EXPECT_EQ(desktop.document(), expected::settingsForm("ru", "",
+                                                       item("AT T Scanner  B ") + item("O Neill") +
+                                                           item("             2") + item("Plain")));
+}
+
+TEST(FormKeyboards, TwoOfOneNameAreListedTwiceInTheServersOrder) {
+  Desktop desktop({"Twin", "Other", "Twin"});
+  EXPECT_THAT(desktop.listed(), ElementsAre("Twin", "Other", "Twin"));
+}
+
+TEST(FormKeyboards, AgreeWithXinput) {
+  Desktop desktop({"AT&T Scanner <B>", "Сканер", "Twin", "Twin"});
+  EXPECT_THAT(listedByXinput(), SizeIs(4));
+  EXPECT_THAT(desktop.listed(), UnorderedElementsAreArray(listedByXinput()));
+}
+
+TEST(FormKeyboards, ManyOfThemAreAllListed) {
+  Names names;
+  for (int i = 0; i < 20; ++i) names.push_back("Keyboard " + std::to_string(i));
+  Desktop desktop(names);
+  EXPECT_THAT(desktop.listed(), ElementsAreArray(names));
+}
+
+TEST(FormKeyboards, AServerThatHasEndedLeavesTheRestOfTheForm) {
+  Desktop desktop({"Scanner"});
+  EXPECT_THAT(desktop.listed(), ElementsAre("Scanner"));
+  desktop.server.kill();
+  EXPECT_EQ(desktop.document(), expected::settingsForm("ru", "", ""));
+}
+
+TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
+  Desktop desktop({"One", "Two"});
+  desktop.document();
+  const std::size_t descriptors = rig::descriptorCount();
+  for (int i = 0; i < 10; ++i) desktop.document();
+  EXPECT_EQ(rig::descriptorCount(), descriptors);
+}
+
+TEST(FormKeyboards, InEnglishAndWellFormed) {
+  Desktop desktop({"AT&T Scanner <B>"});
+  const std::string command =
+      rig::hostPath() + " --library " + rig::englishLibraryPath() + " form --xml";
+  EXPECT_EQ(rig::outputOf(command),
+            expected::settingsForm("en", "", item("AT T Scanner  B ")) + "\n");
+  EXPECT_EQ(rig::ChildProgram(command + " | xmllint --noout -").exitCode(), 0);
+}
+
+}  // namespace
