@@ -1,0 +1,77 @@
+#include "tests/system/rig/Threads.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/system/rig/Driver.h"
+
+namespace rig {
+namespace {
+
+std::ifstream accountOf(pid_t thread, const char* name) {
+  const std::string path = "/proc/self/task/" + std::to_string(thread) + "/" + name;
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read " + path);
+  return file;
+}
+
+// The number after "NAME:" in an account of lines.
+long long numberNamed(const std::string& name, pid_t thread, const char* account) {
+  std::ifstream file = accountOf(thread, account);
+  for (std::string word; file >> word;) {
+    long long number;
+    if (word == name + ":" && file >> number) return number;
+  }
+  throw std::runtime_error("no " + name + " of a thread");
+}
+
+}  // namespace
+
+std::set<pid_t> threads() {
+  std::set<pid_t> ids;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task")) {
+    ids.insert(std::stoi(entry.path().filename()));
+  }
+  return ids;
+}
+
+pid_t threadAddedBy(const std::function<void()>& action) {
+  const std::set<pid_t> before = threads();
+  action();
+  const std::set<pid_t> after = threads();
+  std::vector<pid_t> added;
+  std::set_difference(after.begin(), after.end(), before.begin(), before.end(),
+                      std::back_inserter(added));
+  if (added.size() != 1) throw std::runtime_error(std::to_string(added.size()) + " threads added");
+  return added.front();
+}
+
+std::chrono::nanoseconds processorTime(pid_t thread) {
+  long long nanoseconds = 0;
+  accountOf(thread, "schedstat") >> nanoseconds;
+  return std::chrono::nanoseconds(nanoseconds);
+}
+
+long long restsOf(pid_t thread) { return numberNamed("voluntary_ctxt_switches", thread, "status"); }
+
+Reading readingOf(pid_t thread) {
+  return {numberNamed("syscr", thread, "io"), numberNamed("rchar", thread, "io")};
+}
+
+void await(const char* what, const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) {
+      throw std::runtime_error(std::string("waited in vain: ") + what);
+    }
+    std::this_thread::yield();
+  }
+}
+
+}  // namespace rig

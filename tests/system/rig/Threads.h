@@ -1,0 +1,33 @@
+// The threads of this process, as the kernel accounts for them.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <set>
+
+namespace rig {
+
+std::set<pid_t> threads();
+
+// The thread that `action` has added. Throws when it has not added exactly one.
+pid_t threadAddedBy(const std::function<void()>& action);
+
+// The processor time that the thread has used.
+std::chrono::nanoseconds processorTime(pid_t thread);
+
+// How often the thread has laid itself to rest.
+long long restsOf(pid_t thread);
+
+// What the thread has read: how often it has called read, and the bytes it got.
+struct Reading {
+  long long calls;
+  long long bytes;
+};
+Reading readingOf(pid_t thread);
+
+// Waits until the condition holds. Throws when it does not come to hold in kPatience.
+void await(const char* what, const std::function<bool()>& condition);
+
+}  // namespace rig
