@@ -5,12 +5,12 @@
 #include <termios.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <limits>
 #include <thread>
 #include <vector>
 
+#include "devices/LineSpeeds.h"
 #include "devices/SerialFamilies.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
@@ -20,23 +20,6 @@ namespace quorvel {
 namespace {
 
 constexpr std::chrono::milliseconds kStep{1000};
-
-struct LineSpeed {
-  std::uint32_t bitsPerSecond;
-  speed_t constant;
-};
-
-constexpr std::array<LineSpeed, 11> kLineSpeeds = {{{110, B110},
-                                                    {300, B300},
-                                                    {600, B600},
-                                                    {1200, B1200},
-                                                    {2400, B2400},
-                                                    {4800, B4800},
-                                                    {9600, B9600},
-                                                    {19200, B19200},
-                                                    {38400, B38400},
-                                                    {57600, B57600},
-                                                    {115200, B115200}}};
 
 speed_t speedConstant(std::uint32_t bitsPerSecond) {
   const auto speed = std::find_if(

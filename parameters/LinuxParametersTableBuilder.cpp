@@ -4,6 +4,7 @@
 #include <map>
 
 #include "devices/KeyboardList.h"
+#include "devices/LineSpeeds.h"
 #include "devices/SerialFamilies.h"
 #include "devices/XConnection.h"
 #include "parameters/SettingsMarkup.h"
@@ -12,9 +13,6 @@
 
 namespace quorvel {
 namespace {
-
-constexpr std::wstring_view kSpeeds[] = {L"110",  L"300",   L"600",   L"1200",  L"2400",  L"4800",
-                                         L"9600", L"19200", L"38400", L"57600", L"115200"};
 
 std::wstring keyboardItem(const XInputDevice& keyboard) {
   log("XDevice settings list element - " + keyboard.rawName);
@@ -74,7 +72,10 @@ std::wstring LinuxParametersTableBuilder::GetEventDeviceListEnties() const {
 
 void LinuxParametersTableBuilder::BuildCOMPortSpeedPart() {
   std::wstring speeds;
-  for (const std::wstring_view speed : kSpeeds) speeds += item(speed, speed);
+  for (const LineSpeed& speed : kLineSpeeds) {
+    const std::wstring number = std::to_wstring(speed.bitsPerSecond);
+    speeds += item(number, number);
+  }
   append(parameter({.name = L"Speed",
                     .caption = text(form_texts::kSpeed),
                     .type = kNumber,
