@@ -29,8 +29,8 @@ std::string englishLibraryPath() { return fromEnvironment("QUORVEL_ENGLISH_LIBRA
 std::string hostPath() { return fromEnvironment("QUORVEL_HOST"); }
 std::string scannerPath() { return fromEnvironment("QUORVEL_SCANNER"); }
 
-Driver::Driver(const std::u16string& className)
-    : library(libraryPath()), component(library, className) {}
+Driver::Driver(const std::u16string& className, const std::string& libraryFile)
+    : library(libraryFile), component(library, className) {}
 
 std::u16string Driver::openPort(std::int32_t port) {
   component.setParameter(u"Port", port);

@@ -19,7 +19,8 @@ std::string scannerPath();
 
 // The library and one component of it.
 struct Driver {
-  explicit Driver(const std::u16string& className = u"InputDevice");
+  explicit Driver(const std::u16string& className = u"InputDevice",
+                  const std::string& libraryFile = libraryPath());
 
   // Sets the port and opens it; the test fails when it cannot be opened.
   std::u16string openPort(std::int32_t port);
