@@ -6,7 +6,6 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
@@ -57,12 +56,12 @@ class InputTestKeyboard final : public VirtualKeyboard {
   explicit InputTestKeyboard(const std::string& path) {
     connectTo(path);
     send(Version());
-    // A driver that serves another connection already does not answer.
+    // A driver that has served another connection does not answer.
     const timeval patience{.tv_sec = 5, .tv_usec = 0};
     setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     Version answer;
     const ssize_t received = recv(socket_.get(), &answer, sizeof(answer), MSG_WAITALL);
-    if (received < 0) throwErrno(errno, path);
+    if (received < 0) throwErrno(errno == EAGAIN ? ETIMEDOUT : errno, path);
     if (received != sizeof(answer) || answer.type != MessageType::kServerVersion) {
       throwErrno(EPROTO, path);
     }
@@ -152,20 +151,19 @@ std::unique_ptr<VirtualKeyboard> connectXTestKeyboard() {
   return std::make_unique<XTestKeyboard>();
 }
 
-Stroke strokeFor(char character) {
+std::optional<Stroke> strokeFor(char character) {
   for (const Row& row : kUsRows) {
     for (const bool shift : {false, true}) {
       const std::size_t place = (shift ? row.shifted : row.plain).find(character);
       if (place == std::string_view::npos) continue;
-      return {static_cast<Key>(row.firstCode + place),
-              shift ? std::optional(Key::kLeftShift) : std::nullopt};
+      return Stroke{static_cast<Key>(row.firstCode + place),
+                    shift ? std::optional(Key::kLeftShift) : std::nullopt};
     }
   }
   for (const auto& [control, stroke] : kControlCharacters) {
     if (control == character) return stroke;
   }
-  throw std::invalid_argument("no key types the character with code " +
-                              std::to_string(static_cast<unsigned char>(character)));
+  return std::nullopt;
 }
 
 void tap(VirtualKeyboard& keyboard, Key key) {
@@ -181,7 +179,11 @@ void tapWith(VirtualKeyboard& keyboard, Key modifier, Key key) {
 
 void type(VirtualKeyboard& keyboard, std::string_view text) {
   std::vector<Stroke> strokes;
-  std::ranges::transform(text, std::back_inserter(strokes), strokeFor);
+  for (const char character : text) {
+    const std::optional<Stroke> stroke = strokeFor(character);
+    if (!stroke) throw std::invalid_argument("no key types a character of the text");
+    strokes.push_back(*stroke);
+  }
   for (const auto& [key, modifier] : strokes) {
     modifier ? tapWith(keyboard, *modifier, key) : tap(keyboard, key);
   }

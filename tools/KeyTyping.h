@@ -51,7 +51,8 @@ class VirtualKeyboard {
 };
 
 // A keyboard of an X server's `inputtest` driver, reached through the socket at `socketPath`. The
-// driver serves one connection at a time. Throws std::system_error when there is none to be had.
+// driver serves the first connection, and no other after it. Throws std::system_error when there is
+// none to be had.
 std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath);
 
 // The keyboard that the XTEST extension of the default display offers: types into whatever has the
@@ -62,17 +63,18 @@ std::unique_ptr<VirtualKeyboard> connectXTestKeyboard();
 void tap(VirtualKeyboard& keyboard, Key key);
 void tapWith(VirtualKeyboard& keyboard, Key modifier, Key key);
 
-// The key, and the modifier held with it, that types a character: of the US layout printable ASCII,
-// tab, carriage return or line feed (Return), and the group separator (Control and right bracket).
-// Throws std::invalid_argument for any other character.
+// A key, and the modifier held with it.
 struct Stroke {
   Key key;
   std::optional<Key> modifier;
 };
-Stroke strokeFor(char character);
 
-// Types what a scanner set to the US layout types for `text`. Throws as strokeFor does, before a
-// key is pressed.
+// What types a character on the US layout: printable ASCII, tab, carriage return or line feed
+// (Return), and the group separator (Control and right bracket). None for any other character.
+std::optional<Stroke> strokeFor(char character);
+
+// Types what a scanner set to the US layout types for `text`. Throws std::invalid_argument, before
+// a key is pressed, for a character that no key types.
 void type(VirtualKeyboard& keyboard, std::string_view text);
 
 }  // namespace terminal

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <sstream>
 #include <system_error>
 
 namespace terminal {
@@ -16,6 +17,16 @@ constexpr Text kBadEscape = {"not an escape: ", "неверная последо
 
 // The byte that a letter after the backslash stands for.
 constexpr std::pair<char, char> kEscapes[] = {{'r', '\r'}, {'n', '\n'}, {'t', '\t'}, {'\\', '\\'}};
+
+// Character codes separated by commas; the empty text is no suffix.
+std::string suffixFrom(const std::string& codes) {
+  std::string suffix;
+  std::istringstream list(codes);
+  for (std::string code; std::getline(list, code, ',');) {
+    suffix += static_cast<char>(integerFrom(code, "--suffix", 0, 255));
+  }
+  return suffix;
+}
 
 int openSource(const std::string& file) {
   if (file.empty() || file == "-") return dup(STDIN_FILENO);
@@ -42,9 +53,19 @@ std::vector<Option> ScanOptions::table() {
     pause = std::chrono::microseconds(
         static_cast<long>(1000000 / numberFrom(value, "--rate", 0.01, 1000000)));
   };
+  const auto takeByteDelay = [this](const std::string& value) {
+    const double milliseconds = numberFrom(value, "--byte-delay", 0, 10000);
+    byteDelay = std::chrono::microseconds(static_cast<long>(milliseconds * 1000));
+  };
+  const auto takeBurst = [this](const std::string& value) {
+    burst = integerFrom(value, "--burst", 1, 10000);
+  };
   return {{"file", true, [this](const std::string& value) { file = value; }},
           {"escapes", false, [this](const std::string&) { escapes = true; }},
-          {"rate", true, takeRate}};
+          {"suffix", true, [this](const std::string& value) { suffix = suffixFrom(value); }},
+          {"rate", true, takeRate},
+          {"byte-delay", true, takeByteDelay},
+          {"burst", true, takeBurst}};
 }
 
 std::string withoutEscapes(const std::string& text) {
@@ -56,7 +77,7 @@ std::string withoutEscapes(const std::string& text) {
 }
 
 ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
-    : escapes_(options.escapes), texts_(std::move(texts)) {
+    : options_(options), texts_(std::move(texts)) {
   if (!texts_.empty() && !options.file.empty()) throw UsageError(say(kTwoSources));
   if (!texts_.empty()) return;
   descriptor_ = openSource(options.file);
@@ -67,6 +88,16 @@ ScanSource::~ScanSource() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
+std::string ScanSource::nextBurst(const EndSignals& end) {
+  std::string bytes;
+  for (int i = 0; i < options_.burst; ++i) {
+    const std::optional<std::string> text = next(end);
+    if (!text) break;
+    bytes += *text + options_.suffix;
+  }
+  return bytes;
+}
+
 std::optional<std::string> ScanSource::next(const EndSignals& end) {
   std::optional<std::string> text;
   if (descriptor_ >= 0) {
@@ -74,7 +105,7 @@ std::optional<std::string> ScanSource::next(const EndSignals& end) {
   } else if (position_ < texts_.size()) {
     text = texts_[position_++];
   }
-  if (text && escapes_) text = withoutEscapes(*text);
+  if (text && options_.escapes) text = withoutEscapes(*text);
   return text;
 }
 

@@ -15,7 +15,10 @@ namespace terminal {
 struct ScanOptions {
   std::string file;      // one scan a line; "-" is standard input; empty: texts from the arguments
   bool escapes = false;  // whether \xHH, \r, \n, \t and \\ stand for bytes
+  std::string suffix = "\r";                // ends each scan
   std::chrono::microseconds pause{500000};  // between two scans
+  std::chrono::microseconds byteDelay{0};   // after each byte
+  int burst = 1;                            // scans without a pause between them
 
   // The table's rows of these options; they write into this object.
   std::vector<Option> table();
@@ -31,14 +34,15 @@ class ScanSource {
   ScanSource(const ScanSource&) = delete;
   ScanSource& operator=(const ScanSource&) = delete;
 
-  // The next text, as bytes; none at the end or when a signal asks for it. Throws UsageError for
-  // an escape that is none.
-  std::optional<std::string> next(const EndSignals& end);
+  // The bytes of the next scans up to a pause, their suffixes included; none at the end or when a
+  // signal asks for it. Throws UsageError for an escape that is none.
+  std::string nextBurst(const EndSignals& end);
 
  private:
+  std::optional<std::string> next(const EndSignals& end);
   std::optional<std::string> nextLine(const EndSignals& end);
 
-  const bool escapes_;
+  const ScanOptions options_;
   Arguments texts_;
   std::size_t position_ = 0;
   int descriptor_ = -1;  // of the file, -1 when the texts are given

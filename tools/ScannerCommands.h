@@ -7,5 +7,6 @@
 namespace terminal {
 
 int runSerialScanner(const Arguments& arguments);
+int runKeyboardScanner(const Arguments& arguments);
 
 }  // namespace terminal

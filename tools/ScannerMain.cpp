@@ -19,17 +19,19 @@ kinds:
               --line SETTING     framed (default): a scan is handed over whole;
                                  raw: bytes come as they come;
                                  cooked: as a fresh terminal, for suffix 10
-              --suffix CODES     the bytes that end a scan, such as 13 (default)
-                                 or 13,10
-              --byte-delay MS    a pause after each byte: 1.04 is 9600 baud
-              --burst N          N scans in one write
               --no-wait          scan without waiting for a reader
+  keyboard  a scanner that types, as on a US keyboard; types into whatever has
+            the focus, or with
+              --socket PATH      on a keyboard of an X server's inputtest driver
 
 options:
-  --file FILE   one scan a line; - is standard input
-  --escapes     \xHH, \r, \n, \t and \\ in a text stand for bytes
-  --rate N      scans a second (default 2)
-  --help        show this text
+  --file FILE       one scan a line; - is standard input
+  --escapes         \xHH, \r, \n, \t and \\ in a text stand for bytes
+  --suffix CODES    the bytes that end a scan, such as 13 (default) or 13,10
+  --rate N          scans a second (default 2)
+  --byte-delay MS   a pause after each byte: 1.04 is 9600 baud
+  --burst N         N scans at a time, in one write
+  --help            show this text
 
 exit code: 0 done, 1 failed, 2 the command line is wrong
 )",
@@ -45,22 +47,26 @@ exit code: 0 done, 1 failed, 2 the command line is wrong
               --line РЕЖИМ       framed (по умолчанию): скан передаётся целиком;
                                  raw: байты приходят как есть;
                                  cooked: как новый терминал, для суффикса 10
-              --suffix КОДЫ      байты конца скана, например 13 (по умолчанию)
-                                 или 13,10
-              --byte-delay МС    пауза после каждого байта: 1.04 — это 9600 бод
-              --burst N          N сканов одной записью
               --no-wait          сканировать, не дожидаясь читателя
+  keyboard  сканер-клавиатура с раскладкой США; печатает туда, где фокус ввода,
+            а с ключом
+              --socket ПУТЬ      на клавиатуре драйвера inputtest X-сервера
 
 ключи:
-  --file ФАЙЛ   один скан в строке; - это стандартный ввод
-  --escapes     \xHH, \r, \n, \t и \\ в тексте означают байты
-  --rate N      сканов в секунду (по умолчанию 2)
-  --help        показать эту справку
+  --file ФАЙЛ       один скан в строке; - это стандартный ввод
+  --escapes         \xHH, \r, \n, \t и \\ в тексте означают байты
+  --suffix КОДЫ     байты конца скана, например 13 (по умолчанию) или 13,10
+  --rate N          сканов в секунду (по умолчанию 2)
+  --byte-delay МС   пауза после каждого байта: 1.04 — это 9600 бод
+  --burst N         по N сканов сразу, одной записью
+  --help            показать эту справку
 
 код выхода: 0 — выполнено, 1 — ошибка, 2 — неверная командная строка
 )"};
 
-int run(const Arguments& words) { return runCommand({{"serial", runSerialScanner}}, words, kHelp); }
+int run(const Arguments& words) {
+  return runCommand({{"serial", runSerialScanner}, {"keyboard", runKeyboardScanner}}, words, kHelp);
+}
 
 }  // namespace
 

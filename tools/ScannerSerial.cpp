@@ -1,5 +1,4 @@
 #include <iostream>
-#include <sstream>
 
 #include "tools/ScanSource.h"
 #include "tools/ScannerCommands.h"
@@ -18,9 +17,6 @@ constexpr Text kUntil = {"; Ctrl-C unplugs", "; Ctrl-C — отключить"};
 struct SerialOptions {
   std::string link;
   LineSetting line = LineSetting::kFramed;
-  std::string suffix = "\r";
-  std::chrono::microseconds byteDelay{0};
-  int burst = 1;     // scans in one write
   bool wait = true;  // for a reader
   ScanOptions scans;
 };
@@ -32,29 +28,11 @@ LineSetting lineSettingFrom(const std::string& name) {
   throw UsageError(say(kUnknownLine) + name);
 }
 
-// Character codes separated by commas; the empty text is no suffix.
-std::string suffixFrom(const std::string& codes) {
-  std::string suffix;
-  std::istringstream list(codes);
-  for (std::string code; std::getline(list, code, ',');) {
-    suffix += static_cast<char>(integerFrom(code, "--suffix", 0, 255));
-  }
-  return suffix;
-}
-
 Arguments readSerialOptions(const Arguments& arguments, SerialOptions& serial) {
   std::vector<Option> table = serial.scans.table();
   const std::vector<Option> own = {
       {"link", true, [&](const std::string& value) { serial.link = value; }},
       {"line", true, [&](const std::string& value) { serial.line = lineSettingFrom(value); }},
-      {"suffix", true, [&](const std::string& value) { serial.suffix = suffixFrom(value); }},
-      {"byte-delay", true,
-       [&](const std::string& value) {
-         const double milliseconds = numberFrom(value, "--byte-delay", 0, 10000);
-         serial.byteDelay = std::chrono::microseconds(static_cast<long>(milliseconds * 1000));
-       }},
-      {"burst", true,
-       [&](const std::string& value) { serial.burst = integerFrom(value, "--burst", 1, 10000); }},
       {"no-wait", false, [&](const std::string&) { serial.wait = false; }},
   };
   table.insert(table.end(), own.begin(), own.end());
@@ -63,24 +41,13 @@ Arguments readSerialOptions(const Arguments& arguments, SerialOptions& serial) {
   return texts;
 }
 
-// The next scans of one write; empty at the end.
-std::string nextBurst(ScanSource& source, const SerialOptions& serial, const EndSignals& end) {
-  std::string bytes;
-  for (int i = 0; i < serial.burst; ++i) {
-    const std::optional<std::string> text = source.next(end);
-    if (!text) break;
-    bytes += *text + serial.suffix;
-  }
-  return bytes;
-}
-
 // Scans all the texts; false when a signal asks for the end.
 bool scan(SerialLine& line, ScanSource& source, const SerialOptions& serial,
           const EndSignals& end) {
-  for (std::string bytes; !(bytes = nextBurst(source, serial, end)).empty();) {
-    const bool sent = serial.byteDelay.count() == 0
+  for (std::string bytes; !(bytes = source.nextBurst(end)).empty();) {
+    const bool sent = serial.scans.byteDelay.count() == 0
                           ? line.send(bytes, end.descriptor())
-                          : line.sendSlowly(bytes, serial.byteDelay, end.descriptor());
+                          : line.sendSlowly(bytes, serial.scans.byteDelay, end.descriptor());
     if (!sent || end.wait(serial.scans.pause)) return false;
   }
   return true;

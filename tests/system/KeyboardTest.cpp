@@ -209,7 +209,7 @@ TEST_F(KeyboardTest, OnlyTheGrabbedKeyboardIsTakenFromOthers) {
   type(scanner(), "123\r");
   EXPECT_EQ(driver.event().data, u"123");
   type(keyboard(kUsersKeyboard), "x");
-  EXPECT_EQ(other.takeKey(kPatience), strokeFor('x').key);
+  EXPECT_EQ(other.takeKey(kPatience), strokeFor('x')->key);
   type(scanner(), "4\r");
   EXPECT_EQ(driver.event().data, u"4");
 }
