@@ -1,0 +1,68 @@
+// What the settings form costs beyond what it cannot do without, on a machine with three keyboards
+// and four serial ports.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+#include "bench/BareListing.h"
+#include "tests/common/Environment.h"
+#include "tests/system/rig/DeviceFiles.h"
+#include "tests/system/rig/Driver.h"
+#include "tests/system/rig/XServer.h"
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+template <typename Work>
+double secondsOf(const Work& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return Seconds(std::chrono::steady_clock::now() - start).count();
+}
+
+double medianOf(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// The two take turns, so that whatever else the machine does meets both alike, and each goes first
+// as often as the other. Medians: one late process start would outweigh a hundred others.
+void formAgainstBareListing(benchmark::State& state) {
+  const rig::DeviceFiles files = {"ttyS0", "ttyS1", "ttyACM0", "ttyUSB0"};
+  const rig::XServer server({"Keyboard", "Scanner", "Another scanner"});
+  const ScopedVariable display("DISPLAY", server.display());
+  rig::Driver driver;
+  std::vector<double> form;
+  std::vector<double> bare;
+  const auto takeForm = [&] {
+    form.push_back(
+        secondsOf([&] { benchmark::DoNotOptimize(driver.component.parameters().size()); }));
+  };
+  const auto takeBare = [&] {
+    bare.push_back(secondsOf([] { benchmark::DoNotOptimize(bench::listBarely()); }));
+  };
+  bool formFirst = false;
+  for (auto iteration : state) {
+    formFirst = !formFirst;
+    if (formFirst) takeForm();
+    takeBare();
+    if (!formFirst) takeForm();
+    state.SetIterationTime(form.back());
+  }
+  state.counters["form_ms"] = 1000 * medianOf(form);
+  state.counters["bare_ms"] = 1000 * medianOf(bare);
+  state.counters["ratio"] = medianOf(form) / medianOf(bare);
+}
+BENCHMARK(formAgainstBareListing)
+    ->Name("GetParameters")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(500);
+
+}  // namespace
+
+BENCHMARK_MAIN();
