@@ -22,17 +22,18 @@ class KeyValue : public KeyValueInterface<Key, Value> {
 
   // A copy of the value under `key`, or of `defaultValue`.
   Value value(const Key& key, const Value& defaultValue) const {
+    if (!map_) return defaultValue;
     const auto found = map_->find(key);
     return found == map_->end() ? defaultValue : found->second;
   }
 
   void setValue(const Key& key, const Value& value) {
-    if (map_.use_count() != 1) map_ = std::make_shared<Map>(*map_);
+    if (map_.use_count() != 1) map_ = map_ ? std::make_shared<Map>(*map_) : std::make_shared<Map>();
     map_->insert_or_assign(key, value);
   }
 
  private:
-  std::shared_ptr<Map> map_;  // never null
+  std::shared_ptr<Map> map_;  // null only after a move away, and then as good as empty
 };
 
 }  // namespace quorvel
