@@ -1,0 +1,131 @@
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "performer/AppSettings.h"
+#include "tests/unit/support/RestoredSettings.h"
+#include "tests/unit/support/Variants.h"
+
+namespace quorvel {
+namespace {
+
+using AppSettingsTest = test::RestoredSettings;
+
+// Before anything else has touched the settings, and that is while the tests are being registered.
+const struct {
+  unsigned locale = AppSettings::locale();
+  unsigned ioDataType = AppSettings::ioDataType();
+  unsigned deviceType = AppSettings::deviceType();
+} kAtLoadTime;
+
+TEST_F(AppSettingsTest, StartRussianWithTextFromABarcodeScanner) {
+  EXPECT_EQ(kAtLoadTime.locale, 0u);
+  EXPECT_EQ(kAtLoadTime.ioDataType, 0u);
+  EXPECT_EQ(kAtLoadTime.deviceType, 16u);
+}
+
+struct Setting {
+  const char* name;
+  unsigned (*get)();
+  void (*set)(unsigned);
+  unsigned last;  // the largest value that is accepted
+};
+
+const Setting kSettings[] = {
+    {"locale", AppSettings::locale, AppSettings::setLocale, 1},
+    {"ioDataType", AppSettings::ioDataType, AppSettings::setIODataType, 2},
+    {"deviceType", AppSettings::deviceType, AppSettings::setDeviceType, 32},
+};
+
+TEST_F(AppSettingsTest, KeepEveryValueInTheirRange) {
+  for (const Setting& setting : kSettings) {
+    for (unsigned value = 0; value <= setting.last; ++value) {
+      setting.set(value);
+      EXPECT_EQ(setting.get(), value) << setting.name;
+    }
+  }
+}
+
+TEST_F(AppSettingsTest, IgnoreEveryOtherValue) {
+  for (const Setting& setting : kSettings) {
+    for (const unsigned kept : {0u, 1u}) {
+      setting.set(kept);
+      for (const unsigned value :
+           {setting.last + 1, setting.last + 2, 0x100u, 0x80000000u, 0xFFFFFFFFu}) {
+        setting.set(value);
+        EXPECT_EQ(setting.get(), kept) << setting.name << " " << value;
+      }
+    }
+  }
+}
+
+TEST_F(AppSettingsTest, AreIndependentOfEachOther) {
+  AppSettings::setLocale(1);
+  EXPECT_EQ(AppSettings::ioDataType(), 0u);
+  EXPECT_EQ(AppSettings::deviceType(), 16u);
+  AppSettings::setIODataType(2);
+  AppSettings::setDeviceType(32);
+  EXPECT_EQ(AppSettings::locale(), 1u);
+  EXPECT_EQ(AppSettings::ioDataType(), 2u);
+  EXPECT_EQ(AppSettings::deviceType(), 32u);
+}
+
+TEST_F(AppSettingsTest, AnAbsentValueIsTheDefaultTypeCodeIncluded) {
+  const tVariant fallback = test::untouchedVariant();
+  EXPECT_TRUE(test::sameBytes(AppSettings::value(L"absent", fallback), fallback));
+  EXPECT_EQ(AppSettings::value(L"absent", test::numberVariant(5)).vt, 3);
+}
+
+TEST_F(AppSettingsTest, AValueIsKeptBitByBit) {
+  const tVariant value = test::untouchedVariant();
+  AppSettings::setValue(L"bits", value);
+  EXPECT_TRUE(test::sameBytes(AppSettings::value(L"bits", test::numberVariant(0)), value));
+}
+
+TEST_F(AppSettingsTest, OnlyTheLastOfTwoValuesIsKept) {
+  AppSettings::setValue(L"twice", test::numberVariant(1));
+  AppSettings::setValue(L"twice", test::numberVariant(2));
+  EXPECT_EQ(AppSettings::value(L"twice", test::numberVariant(0)).intValue, 2);
+  EXPECT_EQ(AppSettings::value(L"Twice", test::numberVariant(0)).intValue, 0);
+}
+
+TEST_F(AppSettingsTest, AStringIsKeptAsItsPointer) {
+  const std::u16string text = u"text";
+  AppSettings::setValue(L"text", test::textVariant(text.c_str()));
+  const tVariant value = AppSettings::value(L"text", test::numberVariant(0));
+  EXPECT_EQ(value.wide.text, text.c_str());
+  EXPECT_EQ(value.wide.length, 4u);
+}
+
+TEST_F(AppSettingsTest, AnyNumberOfThreadsMayUseThem) {
+  constexpr int kRounds = 2000;
+  constexpr int kThreads = 4;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([thread] {
+      const std::wstring own = L"thread " + std::to_wstring(thread);
+      for (int round = 0; round < kRounds; ++round) {
+        const auto number = static_cast<unsigned>(round);
+        AppSettings::setLocale(number % 3);
+        AppSettings::setIODataType(number % 4);
+        AppSettings::setDeviceType(number % 34);
+        AppSettings::setValue(own, test::numberVariant(round));
+        AppSettings::setValue(L"common", test::numberVariant(round));
+        EXPECT_LE(AppSettings::locale(), 1u);
+        EXPECT_LE(AppSettings::ioDataType(), 2u);
+        EXPECT_LE(AppSettings::deviceType(), 32u);
+        EXPECT_EQ(AppSettings::value(own, test::numberVariant(-1)).intValue, round);
+        EXPECT_GE(AppSettings::value(L"common", test::numberVariant(-1)).intValue, 0);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(AppSettings::value(L"common", test::numberVariant(-1)).intValue, kRounds - 1);
+}
+
+}  // namespace
+}  // namespace quorvel
