@@ -129,7 +129,7 @@ void QuorvelNative::OnInput(const std::wstring& source, int equipmentType, int d
 }
 
 WCHAR_T* QuorvelNative::AllocAndConvert(const wchar_t* text) const {
-  return quorvel::AllocAndConvert(memoryManager_, text);
+  return guarded<WCHAR_T*>(nullptr, [&] { return quorvel::AllocAndConvert(memoryManager_, text); });
 }
 
 tVariant QuorvelNative::AllocAndConvertVariant(const wchar_t* text) const {

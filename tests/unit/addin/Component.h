@@ -1,0 +1,76 @@
+// A component with a host around it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "addin/QuorvelNative.h"
+#include "tests/unit/support/HostDoubles.h"
+#include "tests/unit/support/RestoredSettings.h"
+#include "tests/unit/support/Variants.h"
+
+namespace quorvel::test {
+
+// The numbers of the driver methods.
+enum MethodNumber : long {
+  kGetVersion,
+  kGetDescription,
+  kGetLastError,
+  kGetParameters,
+  kSetParameter,
+  kOpen,
+  kClose,
+  kDeviceTest,
+  kGetAdditionalActions,
+  kDoAdditionalAction,
+};
+
+class ComponentTest : public RestoredSettings {
+ protected:
+  // Gives the component what a host gives it before it calls its methods.
+  void connect() {
+    EXPECT_TRUE(component_.setMemManager(&memory_));
+    EXPECT_TRUE(component_.Init(&connection_));
+  }
+
+  // Calls a driver method with fresh variants.
+  bool call(long method) {
+    ret_ = untouchedVariant();
+    params_.fill(untouchedVariant());
+    return callAgain(method);
+  }
+
+  // Calls it with the variants as they are.
+  bool callAgain(long method) {
+    return component_.CallAsFunc(method, &ret_, params_.data(), component_.GetNParams(method));
+  }
+
+  bool setParameter(const WCHAR_T* name, const tVariant& value) {
+    params_[0] = textVariant(name);
+    params_[1] = value;
+    EXPECT_TRUE(callAgain(kSetParameter));
+    return resultFlag();
+  }
+
+  bool close(const tVariant& id) {
+    params_[0] = id;
+    EXPECT_TRUE(callAgain(kClose));
+    return resultFlag();
+  }
+
+  // The result as the boolean that it must be.
+  bool resultFlag() const {
+    EXPECT_EQ(ret_.vt, 11);
+    return ret_.i8 != 0;
+  }
+
+  FakeMemoryManager memory_;
+  FakeConnection connection_;
+  QuorvelNative component_{L"InputDevice", L"Штрихкод"};
+  tVariant ret_ = untouchedVariant();
+  std::array<tVariant, 7> params_{};
+};
+
+}  // namespace quorvel::test

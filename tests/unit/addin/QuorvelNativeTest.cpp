@@ -1,0 +1,381 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <climits>
+#include <memory>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "addin/QuorvelNative.h"
+#include "tests/unit/addin/Component.h"
+
+namespace quorvel {
+namespace {
+
+using test::ComponentTest;
+using test::Event;
+using test::FakeMemoryManager;
+
+constexpr long kOddNumbers[] = {-1, 10, 11, INT_MIN, INT_MAX, LONG_MIN, LONG_MAX};
+
+const struct {
+  std::u16string english, russian;
+  long parameters;
+} kMethodRows[] = {
+    {u"GetVersion", u"ПолучитьНомерВерсии", 0},
+    {u"GetDescription", u"ПолучитьОписание", 7},
+    {u"GetLastError", u"ПолучитьОшибку", 1},
+    {u"GetParameters", u"ПолучитьПараметры", 1},
+    {u"SetParameter", u"УстановитьПараметр", 2},
+    {u"Open", u"Подключить", 1},
+    {u"Close", u"Отключить", 1},
+    {u"DeviceTest", u"ТестУстройства", 2},
+    {u"GetAdditionalActions", u"ПолучитьДополнительныеДействия", 1},
+    {u"DoAdditionalAction", u"ВыполнитьДополнительноеДействие", 1},
+};
+
+TEST_F(ComponentTest, InitAsksForAQueueOf4096Events) {
+  EXPECT_TRUE(component_.Init(&connection_));
+  EXPECT_EQ(connection_.depths, std::vector<long>{4096});
+  EXPECT_EQ(connection_.reservedCalls, 0);
+}
+
+TEST_F(ComponentTest, InitGivesTheHostsAnswer) {
+  connection_.takesDepth = false;
+  EXPECT_FALSE(component_.Init(&connection_));
+}
+
+TEST_F(ComponentTest, InitWithoutAConnectionFails) {
+  EXPECT_FALSE(component_.Init(nullptr));
+  component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+}
+
+TEST_F(ComponentTest, InitMayComeAgain) {
+  test::FakeConnection other;
+  EXPECT_TRUE(component_.Init(&connection_));
+  EXPECT_TRUE(component_.Init(&other));
+  component_.OnInput(L"id", 16, 0, L"MTIz");
+  EXPECT_TRUE(connection_.events().empty());
+  EXPECT_EQ(other.events().size(), 1u);
+  EXPECT_TRUE(component_.Init(&connection_));
+  EXPECT_EQ(connection_.depths.size(), 2u);
+}
+
+TEST_F(ComponentTest, InitWithoutAConnectionAfterwardsEndsTheEventsOnly) {
+  connect();
+  EXPECT_FALSE(component_.Init(nullptr));
+  component_.OnInput(L"id", 16, 0, L"MTIz");
+  EXPECT_TRUE(connection_.events().empty());
+  EXPECT_TRUE(setParameter(u"Speed", test::numberVariant(9600)));
+  EXPECT_TRUE(component_.Init(&connection_));
+  component_.OnInput(L"id", 16, 0, L"MTIz");
+  EXPECT_EQ(connection_.events().size(), 1u);
+}
+
+TEST_F(ComponentTest, InitPassesNoExceptionOn) {
+  connection_.throwsOnDepth = true;
+  EXPECT_FALSE(component_.Init(&connection_));
+}
+
+TEST_F(ComponentTest, AMemoryManagerIsTakenUnlessItIsNone) {
+  EXPECT_TRUE(component_.setMemManager(&memory_));
+  EXPECT_FALSE(component_.setMemManager(nullptr));
+  EXPECT_EQ(component_.GetMethodName(0, 0), nullptr);
+}
+
+TEST_F(ComponentTest, TheInterfaceRevisionIs2004) { EXPECT_EQ(component_.GetInfo(), 2004); }
+
+TEST_F(ComponentTest, DoneDoesNothing) {
+  component_.Done();
+  connect();
+  component_.Done();
+  EXPECT_TRUE(setParameter(u"Speed", test::numberVariant(9600)));
+  component_.OnInput(L"id", 16, 0, L"MTIz");
+  EXPECT_EQ(connection_.events().size(), 1u);
+}
+
+TEST_F(ComponentTest, IsRegisteredUnderItsExtensionName) {
+  connect();
+  WCHAR_T* name = nullptr;
+  EXPECT_TRUE(component_.RegisterExtensionAs(&name));
+  EXPECT_EQ(std::u16string(name), u"InputDevice");
+  EXPECT_EQ(memory_.requests, std::vector<unsigned long>{24});
+}
+
+TEST_F(ComponentTest, IsNotRegisteredWithoutMemory) {
+  WCHAR_T* name = nullptr;
+  EXPECT_FALSE(component_.RegisterExtensionAs(&name));
+  EXPECT_EQ(name, nullptr);
+  component_.setMemManager(&memory_);
+  for (const auto answer :
+       {FakeMemoryManager::Answer::kRefusal, FakeMemoryManager::Answer::kSuccessWithoutBlock,
+        FakeMemoryManager::Answer::kException}) {
+    memory_.answer = answer;
+    EXPECT_FALSE(component_.RegisterExtensionAs(&name));
+    EXPECT_EQ(name, nullptr);
+  }
+  EXPECT_FALSE(component_.RegisterExtensionAs(nullptr));
+}
+
+TEST_F(ComponentTest, HasNoProperties) {
+  connect();
+  EXPECT_EQ(component_.GetNProps(), 0);
+  EXPECT_EQ(component_.FindProp(u"Open"), -1);
+  EXPECT_EQ(component_.FindProp(u""), -1);
+  EXPECT_EQ(component_.FindProp(nullptr), -1);
+  for (const long number : {0L, 1L, -1L, LONG_MIN, LONG_MAX}) {
+    tVariant value = test::untouchedVariant();
+    EXPECT_EQ(component_.GetPropName(number, 0), nullptr);
+    EXPECT_EQ(component_.GetPropName(number, -1), nullptr);
+    EXPECT_FALSE(component_.GetPropVal(number, &value));
+    EXPECT_FALSE(component_.GetPropVal(number, nullptr));
+    EXPECT_FALSE(component_.SetPropVal(number, &value));
+    EXPECT_FALSE(component_.SetPropVal(number, nullptr));
+    EXPECT_FALSE(component_.IsPropReadable(number));
+    EXPECT_FALSE(component_.IsPropWritable(number));
+    EXPECT_TRUE(test::sameBytes(value, test::untouchedVariant()));
+  }
+}
+
+TEST_F(ComponentTest, HasTenMethodsWithTwoNamesEach) {
+  connect();
+  EXPECT_EQ(component_.GetNMethods(), 10);
+  for (long number = 0; number < 10; ++number) {
+    SCOPED_TRACE(testing::Message() << "method " << number);
+    const auto& row = kMethodRows[number];
+    EXPECT_EQ(component_.FindMethod(row.english.c_str()), number);
+    EXPECT_EQ(component_.FindMethod(row.russian.c_str()), number);
+    EXPECT_EQ(component_.GetMethodName(number, 0), row.english);
+    EXPECT_EQ(component_.GetMethodName(number, 1), row.russian);
+    EXPECT_EQ(component_.GetNParams(number), row.parameters);
+    EXPECT_TRUE(component_.HasRetVal(number));
+  }
+}
+
+TEST_F(ComponentTest, MethodNamesAreExact) {
+  const std::u16string longName(10000, u'x');
+  for (const char16_t* const name :
+       {u"open", u"OPEN", u" Open", u"Open ", u"Opened", u"", u"подключить", longName.c_str()}) {
+    EXPECT_EQ(component_.FindMethod(name), -1);
+  }
+  EXPECT_EQ(component_.FindMethod(nullptr), -1);
+}
+
+TEST_F(ComponentTest, OtherNumbersAreNoMethods) {
+  connect();
+  for (const long number : kOddNumbers) {
+    SCOPED_TRACE(testing::Message() << "method " << number);
+    EXPECT_EQ(component_.GetMethodName(number, 0), nullptr);
+    EXPECT_EQ(component_.GetMethodName(number, 1), nullptr);
+    EXPECT_EQ(component_.GetNParams(number), 0);
+    EXPECT_TRUE(component_.HasRetVal(number));
+    EXPECT_FALSE(call(number));
+    EXPECT_TRUE(test::sameBytes(ret_, test::untouchedVariant()));
+  }
+  EXPECT_TRUE(memory_.requests.empty());
+}
+
+TEST_F(ComponentTest, MethodNamesHaveTwoLanguages) {
+  connect();
+  for (const long language : {2L, 3L, -1L, LONG_MIN, LONG_MAX}) {
+    for (long number = 0; number < 10; ++number) {
+      EXPECT_EQ(component_.GetMethodName(number, language), nullptr) << language;
+    }
+  }
+}
+
+TEST_F(ComponentTest, MethodNamesNeedMemoryOfTheHost) {
+  EXPECT_EQ(component_.GetMethodName(5, 0), nullptr);
+  component_.setMemManager(&memory_);
+  for (const auto answer :
+       {FakeMemoryManager::Answer::kRefusal, FakeMemoryManager::Answer::kSuccessWithoutBlock,
+        FakeMemoryManager::Answer::kException}) {
+    memory_.answer = answer;
+    EXPECT_EQ(component_.GetMethodName(5, 0), nullptr);
+  }
+}
+
+TEST_F(ComponentTest, NoParameterHasADefault) {
+  for (const long number : {0L, 4L, 9L, 10L, -1L, LONG_MIN, LONG_MAX}) {
+    for (const long parameter : {0L, 1L, -1L, LONG_MAX}) {
+      tVariant value = test::untouchedVariant();
+      EXPECT_FALSE(component_.GetParamDefValue(number, parameter, &value));
+      EXPECT_EQ(value.vt, 0);
+      EXPECT_FALSE(component_.GetParamDefValue(number, parameter, nullptr));
+    }
+  }
+}
+
+TEST_F(ComponentTest, NoMethodIsAProcedure) {
+  connect();
+  for (long number = -1; number <= 10; ++number) {
+    params_.fill(test::untouchedVariant());
+    EXPECT_FALSE(component_.CallAsProc(number, params_.data(), 7));
+    EXPECT_FALSE(component_.CallAsProc(number, nullptr, 0));
+    EXPECT_TRUE(test::sameBytes(params_[0], test::untouchedVariant()));
+  }
+}
+
+struct LocaleRow {
+  const char16_t* name;
+  bool russian;
+};
+
+const LocaleRow kLocales[] = {
+    {u"ru", true},     {u"RU", true},      {u"ru_RU", true}, {u"ru_RU.UTF-8", true},
+    {u"rus", true},    {u"Russian", true}, {u"be_RU", true}, {u"xxruxx", true},
+    {u"en", false},    {u"en_US", false},  {u"r u", false},  {u"", false},
+    {u"de_DE", false}, {u"ur", false},     {u"ру", false},
+};
+
+TEST_F(ComponentTest, ALocaleWithRuInItIsRussian) {
+  for (const LocaleRow& row : kLocales) {
+    AppSettings::setLocale(1);
+    QuorvelNative english(L"InputDevice", L"Штрихкод");
+    english.SetLocale(row.name);
+    EXPECT_EQ(AppSettings::locale(), row.russian ? 0u : 1u) << testing::PrintToString(row.name);
+  }
+}
+
+TEST_F(ComponentTest, OnceRussianStaysRussian) {
+  for (const LocaleRow& row : kLocales) {
+    AppSettings::setLocale(0);
+    QuorvelNative russian(L"InputDevice", L"Штрихкод");
+    AppSettings::setLocale(1);
+    russian.SetLocale(row.name);
+    EXPECT_EQ(AppSettings::locale(), 0u) << testing::PrintToString(row.name);
+  }
+  AppSettings::setLocale(1);
+  QuorvelNative converted(L"InputDevice", L"Штрихкод");
+  converted.SetLocale(u"ru_RU");
+  converted.SetLocale(u"en_US");
+  EXPECT_EQ(AppSettings::locale(), 0u);
+}
+
+TEST_F(ComponentTest, ALongLocaleIsALocale) {
+  AppSettings::setLocale(1);
+  QuorvelNative english(L"InputDevice", L"Штрихкод");
+  english.SetLocale(std::u16string(10000, u'x').c_str());
+  EXPECT_EQ(AppSettings::locale(), 1u);
+  english.SetLocale((std::u16string(10000, u'x') + u"rU").c_str());
+  EXPECT_EQ(AppSettings::locale(), 0u);
+}
+
+TEST_F(ComponentTest, NoLocaleChangesNothing) {
+  AppSettings::setLocale(1);
+  component_.SetLocale(nullptr);
+  EXPECT_EQ(AppSettings::locale(), 1u);
+}
+
+class OnInputTest : public ComponentTest {
+ protected:
+  OnInputTest() { connect(); }
+
+  std::vector<Event> input(int equipmentType, int dataType, const std::wstring& data,
+                           const std::wstring& source = L"InputDevice#1") {
+    component_.OnInput(source, equipmentType, dataType, data);
+    return connection_.events();
+  }
+};
+
+TEST_F(OnInputTest, RaisesOneEventInTheLanguageOfTheProcess) {
+  // The component's own language is Russian here.
+  const struct {
+    unsigned locale;
+    int equipment, dataType;
+    std::u16string name, data;
+  } rows[] = {
+      {0, 16, 0, u"Штрихкод", u"123"},        {0, 16, 1, u"Штрихкод", u"123"},
+      {0, 16, 2, u"ШтрихкодBase64", u"MTIz"}, {0, 32, 0, u"ДанныеКарты", u"123"},
+      {0, 32, 1, u"Штрихкод", u"123"},        {0, 32, 2, u"ДанныеКартыBase64", u"MTIz"},
+      {1, 16, 0, u"Barcode", u"123"},         {1, 16, 1, u"Barcode", u"123"},
+      {1, 16, 2, u"BarcodeBase64", u"MTIz"},  {1, 32, 0, u"TrackData", u"123"},
+      {1, 32, 1, u"Barcode", u"123"},         {1, 32, 2, u"TrackDataBase64", u"MTIz"},
+      {1, 0, 0, u"Barcode", u"123"},          {1, 0, 2, u"Barcode", u"MTIz"},
+      {1, 64, 0, u"Barcode", u"123"},         {1, 64, 2, u"Barcode", u"MTIz"},
+      {0, 64, 1, u"Штрихкод", u"123"},        {1, 16, 5, u"Barcode", u"123"},
+  };
+  std::vector<Event> expected;
+  for (const auto& row : rows) {
+    AppSettings::setLocale(row.locale);
+    input(row.equipment, row.dataType, L"MTIz");
+    expected.push_back({u"InputDevice#1", row.name, row.data});
+  }
+  EXPECT_EQ(connection_.events(), expected);
+}
+
+TEST_F(OnInputTest, GivesTheDataInItsForm) {
+  input(32, 1, L"AkFCDQo=");  // 02 41 42 0D 0A
+  input(16, 0, L"0J/RgNC40LLQtdGC");
+  input(16, 1, L"0J8=");
+  input(16, 0, L"8J+YgA==");
+  std::vector<std::u16string> data;
+  for (const Event& event : connection_.events()) data.push_back(event.data);
+  EXPECT_EQ(data,
+            (std::vector<std::u16string>{u"(002)AB(013010)", u"Привет", u"(208159)", u"\uF600"}));
+}
+
+TEST_F(OnInputTest, EmptyDataIsAnEventToo) {
+  for (const int dataType : {0, 1, 2}) input(16, dataType, L"");
+  const std::vector<Event> events = connection_.events();
+  ASSERT_EQ(events.size(), 3u);
+  for (const Event& event : events) EXPECT_EQ(event.data, u"");
+}
+
+TEST_F(OnInputTest, TextsMayBeLong) {
+  const std::vector<Event> events =
+      input(16, 2, std::wstring(40000, L'A'), std::wstring(10000, L'Ж'));
+  ASSERT_EQ(events.size(), 1u);
+  EXPECT_EQ(events[0].data, std::u16string(40000, u'A'));
+  EXPECT_EQ(events[0].source, std::u16string(10000, u'Ж'));
+}
+
+TEST_F(OnInputTest, WithoutAConnectionNothingHappens) {
+  QuorvelNative unconnected(L"InputDevice", L"Штрихкод");
+  unconnected.OnInput(L"InputDevice#1", 16, 0, L"");
+  unconnected.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+}
+
+TEST_F(OnInputTest, UsesNoMemoryOfTheHost) {
+  input(16, 0, L"MTIz");
+  EXPECT_TRUE(memory_.requests.empty());
+}
+
+TEST_F(OnInputTest, ComesFromSeveralThreadsWhileTheHostGoesOn) {
+  constexpr int kReaders = 3;
+  constexpr int kScans = 300;
+  AppSettings::setLocale(1);
+  QuorvelNative english(L"InputDevice", L"Штрихкод");
+  std::atomic<int> reading = kReaders;
+  std::vector<std::thread> readers;
+  for (int reader = 0; reader < kReaders; ++reader) {
+    readers.emplace_back([this, reader, &reading] {
+      for (int scan = 0; scan < kScans; ++scan) {
+        component_.OnInput(L"InputDevice#" + std::to_wstring(reader), 16, 0, L"MTIz");
+      }
+      --reading;
+    });
+  }
+  while (reading > 0) {
+    component_.Init(&connection_);
+    component_.SetLocale(u"ru_RU");
+    english.SetLocale(u"en_US");
+  }
+  for (std::thread& reader : readers) reader.join();
+
+  const std::set<Event, bool (*)(const Event&, const Event&)> allowed(
+      {{u"", u"Штрихкод", u"123"}, {u"", u"Barcode", u"123"}},
+      [](const Event& left, const Event& right) { return left.name < right.name; });
+  const std::vector<Event> events = connection_.events();
+  EXPECT_EQ(events.size(), std::size_t{kReaders * kScans});
+  for (const Event& event : events) {
+    EXPECT_EQ(allowed.count(event), 1u);
+    EXPECT_EQ(event.data, u"123");
+    EXPECT_EQ(event.source.substr(0, 12), u"InputDevice#");
+  }
+}
+
+}  // namespace
+}  // namespace quorvel
