@@ -11,18 +11,18 @@
 namespace quorvel {
 namespace {
 
-constexpr wchar_t kLastAscii = 127;
+constexpr unsigned kLastAscii = 127;
 
 // A printable character is never written as it is: some would break the document.
-std::wstring characterReference(wchar_t symbol) {
+std::wstring characterReference(unsigned code) {
   constexpr std::wstring_view kDigits = L"0123456789abcdef";
-  const auto code = static_cast<unsigned>(symbol);
   return {L'&', L'#', L'x', kDigits[code / 16], kDigits[code % 16], L';'};
 }
 
-std::wstring symbolItem(wchar_t symbol) {
+std::wstring symbolItem(unsigned code) {
+  const auto symbol = static_cast<wchar_t>(code);
   const std::wstring name = GetSymbolName(symbol);
-  const std::wstring label = name.empty() ? characterReference(symbol) : name;
+  const std::wstring label = name.empty() ? characterReference(code) : name;
   const std::wstring number = FormatSymbolAsNumber(symbol);
   return item(number, concatenate({number, L" (", label, L")"}));
 }
@@ -71,7 +71,7 @@ void ParametersTableBuilder::BuildSuffixPart() {
 
 std::wstring ParametersTableBuilder::GetSymbolChoiceList() const {
   std::wstring items = item(L"-1", L"&lt;NONE&gt;");
-  for (wchar_t symbol = 0; symbol <= kLastAscii; ++symbol) items += symbolItem(symbol);
+  for (unsigned code = 0; code <= kLastAscii; ++code) items += symbolItem(code);
   return choiceList(items);
 }
 
