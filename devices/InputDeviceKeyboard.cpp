@@ -51,7 +51,6 @@ int findDevice(const XConnection& connection, const std::string& name) {
 
 InputDeviceKeyboard::~InputDeviceKeyboard() {
   running_ = false;
-  if (deviceId_ != -1) release();
   thread_.join();
 }
 
@@ -61,7 +60,7 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
   listenOnly_ = factory.listenOnly;
   if (!connect()) return false;
   deviceId_ = findDevice(connection_, lowBytes(factory.keyboardDevice));
-  if (deviceId_ == -1 || !subscribe()) return false;
+  if (deviceId_ == -1 || !subscribe() || connection_.lost()) return false;
   running_ = true;
   return thread_.start(ThreadFunction, this);
 }
@@ -92,12 +91,11 @@ bool InputDeviceKeyboard::subscribe() {
                       XIGrabModeAsync, False, &mask) == XIGrabSuccess;
 }
 
-void InputDeviceKeyboard::release() {
-  for (const XInputDevice& device : listXInputDevices(connection_)) {
-    if (device.id == deviceId_) XIUngrabDevice(connection_.get(), deviceId_, CurrentTime);
-  }
-  // The user has the keyboard back even while the host is still busy with a message.
-  XFlush(connection_.get());
+void InputDeviceKeyboard::ungrab() const {
+  // X servers crash when a device is ungrabbed that is switched off, as all are while another
+  // virtual terminal is in front.
+  if (!isXInputDeviceEnabled(connection_, deviceId_)) return;
+  XIUngrabDevice(connection_.get(), deviceId_, CurrentTime);
 }
 
 void* InputDeviceKeyboard::ThreadFunction(void* device) {
@@ -117,6 +115,7 @@ void InputDeviceKeyboard::ReadThread() noexcept {
       // One message is lost to what its receiver throws, or to a lack of memory, not the next ones.
     }
   }
+  ungrab();
   log(std::string(115, '-'));
 }
 

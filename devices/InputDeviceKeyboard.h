@@ -33,7 +33,7 @@ class InputDeviceKeyboard : public InputDevice {
  private:
   bool connect();
   bool subscribe();
-  void release();
+  void ungrab() const;
 
   static void* ThreadFunction(void* device);
   void ReadThread() noexcept;

@@ -1,5 +1,7 @@
 #include "devices/KeyboardList.h"
 
+#include <X11/extensions/XInput2.h>
+
 #include <map>
 
 #include "devices/XConnection.h"
@@ -42,6 +44,15 @@ std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
                       .isKeyboard = type != typeNamesByAtom.end() && type->second == "KEYBOARD"});
   }
   return result;
+}
+
+bool isXInputDeviceEnabled(const XConnection& connection, int id) {
+  struct Freer {
+    void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
+  };
+  int count = 0;
+  const std::unique_ptr<XIDeviceInfo, Freer> devices(XIQueryDevice(connection.get(), id, &count));
+  return devices && count > 0 && devices->enabled;
 }
 
 }  // namespace quorvel

@@ -19,4 +19,7 @@ struct XInputDevice {
 // Empty when the connection is empty or lost.
 std::vector<XInputDevice> listXInputDevices(const XConnection& connection);
 
+// Whether the X server has a device of this number and reads it. False when the connection is lost.
+bool isXInputDeviceEnabled(const XConnection& connection, int id);
+
 }  // namespace quorvel

@@ -95,6 +95,13 @@ int handleConnectionError(Display* display) {
   return next(display);
 }
 
+// Xlib calls this in place of ending the process, with the display locked to this thread for good:
+// another thread could not even close it.
+void noteLoss(Display* display, void* lost) {
+  XUnlockDisplay(display);
+  *static_cast<std::atomic<bool>*>(lost) = true;
+}
+
 void initialiseXlibThreads() {
   static std::once_flag once;
   std::call_once(once, XInitThreads);
@@ -122,9 +129,7 @@ XConnection XConnection::open() {
 
   connection.state_.reset(state.release());
   if (broken) return {};
-  XSetIOErrorExitHandler(
-      connection.get(), [](Display*, void* lost) { *static_cast<std::atomic<bool>*>(lost) = true; },
-      &connection.state_->lost);
+  XSetIOErrorExitHandler(connection.get(), noteLoss, &connection.state_->lost);
   ErrorRouting& routing = errorRouting();
   const std::lock_guard lock(routing.mutex);
   routing.own.push_back(connection.get());

@@ -22,7 +22,8 @@ void installXErrorHandlers();
 
 // A connection of the driver's own to the default X display. Protocol errors on it are swallowed;
 // when the server goes away the connection is lost, and further requests on it fail without effect.
-// A connection may be moved before it is used, and is then used like any Display.
+// It may be moved, and used by one thread after another, but not by two at a time: Xlib cannot cope
+// with a loss that two threads see.
 class XConnection {
  public:
   // An empty connection.
