@@ -1,0 +1,40 @@
+// The settings form that the performer answers with, in the language of the settings store.
+#include <gtest/gtest.h>
+
+#include "performer/AppSettings.h"
+#include "tests/common/Environment.h"
+#include "tests/common/SettingsForm.h"
+#include "tests/unit/performer/OpenPerformer.h"
+#include "util/Text.h"
+
+namespace quorvel {
+namespace {
+
+// A machine without devices: the performer needs no more to be asked.
+class GetParameters : public testing::Test {
+ protected:
+  ~GetParameters() override { AppSettings::setLocale(localeBefore_); }
+
+  std::string formIn(unsigned locale) {
+    AppSettings::setLocale(locale);
+    return wstr2str(performer_.GetParameters());
+  }
+
+  unsigned localeBefore_ = AppSettings::locale();
+  ScopedVariable path_{"PATH", ""};
+  ScopedVariable display_{"DISPLAY", std::nullopt};
+  test::OpenPerformer performer_;
+};
+
+TEST_F(GetParameters, IsTheFormInTheLanguageOfTheLocale) {
+  EXPECT_EQ(formIn(0), expected::settingsForm("ru", "", ""));
+  EXPECT_EQ(formIn(1), expected::settingsForm("en", "", ""));
+}
+
+TEST_F(GetParameters, IsBuiltAnewEachTime) {
+  const std::string once = formIn(0);
+  EXPECT_EQ(formIn(0), once);
+}
+
+}  // namespace
+}  // namespace quorvel
