@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "tests/common/Environment.h"
-#include "tests/system/rig/ChildProgram.h"
 #include "tests/system/rig/DeviceFiles.h"
 #include "tests/system/rig/Driver.h"
 #include "tests/system/rig/Form.h"
+#include "tests/system/rig/Program.h"
+#include "tests/system/rig/SerialDriver.h"
 #include "tests/system/rig/XServer.h"
 #include "tools/SerialLine.h"
 
@@ -55,49 +56,43 @@ TEST(FormChoices, EveryParameterTakesItsDefaultAndEveryChoice) {
 
 TEST(FormChoices, EachPortOpensItsFile) {
   const ScopedVariable display("DISPLAY", std::nullopt);
-  const char* const paths[] = {"/dev/ttyS0", "/dev/ttyS10", "/dev/ttyACM2", "/dev/ttyUSB0",
-                               "/dev/ttyUSB7"};
-  std::deque<SerialLine> lines;
-  for (const char* const path : paths) lines.emplace_back(LineSetting::kFramed).link(path);
-  rig::Driver driver;
-  std::vector<std::string> ports = choicesOf(driver, "Port");
-  ASSERT_THAT(ports, ElementsAre("0", "1", "11", "67", "129", "136"));
-  ports.erase(ports.begin());  // the keyboard
+  rig::SerialDriver driver;
+  const std::int32_t ports[] = {1, 11, 67, 129, 136};
+  for (const std::int32_t port : ports) driver.plugIn(port);
+  EXPECT_THAT(choicesOf(driver, "Port"), ElementsAre("0", "1", "11", "67", "129", "136"));
   // All of them are open at once: what comes from a line comes from its port and no other.
-  std::vector<std::u16string> ids;
-  for (const std::string& port : ports) ids.push_back(driver.openPort(std::stoi(port)));
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    lines[i].send("scan\r");
-    EXPECT_EQ(driver.event().source, ids[i]) << paths[i];
+  for (const std::int32_t port : ports) driver.open(port);
+  for (std::size_t i = 0; i < std::size(ports); ++i) {
+    driver.lines[i].send("scan\r");
+    EXPECT_EQ(driver.event().source, driver.ids[i]) << ports[i];
   }
 }
 
 TEST(FormChoices, EachEncodingLeavesAScanWhole) {
-  rig::Driver driver;
+  rig::SerialDriver driver;
+  terminal::SerialLine& line = driver.plugIn(kFirstUsbPort);
   const std::vector<std::string> encodings = choicesOf(driver, "COMEncoding");
   EXPECT_THAT(encodings, ElementsAre("UTF-8", "Windows-1251"));
-  std::deque<SerialLine> lines;
   for (const std::string& encoding : encodings) {
-    lines.emplace_back(LineSetting::kFramed).link("/dev/ttyUSB" + std::to_string(lines.size() - 1));
     driver.component.setParameter(u"COMEncoding", toHostText(encoding));
-    driver.openPort(kFirstUsbPort + static_cast<std::int32_t>(lines.size()) - 1);
-    lines.back().send("4600051000057 Яблоко\r");
+    const std::u16string id = driver.open(kFirstUsbPort);
+    line.send("4600051000057 Яблоко\r");
     EXPECT_EQ(driver.event().data, u"4600051000057 Яблоко") << encoding;
+    driver.close(id);
   }
 }
 
 TEST(FormChoices, EachOutputDataTypeIsTheFormOfTheData) {
-  rig::Driver driver;
+  rig::SerialDriver driver;
+  terminal::SerialLine& line = driver.plugIn(kFirstUsbPort);
   EXPECT_THAT(choicesOf(driver, "OutputDataType"), ElementsAre("0", "2"));
-  SerialLine line(LineSetting::kFramed);
-  line.link("/dev/ttyUSB0");
   const std::pair<std::int32_t, std::u16string> expectations[] = {{0, u"scan"}, {2, u"c2Nhbg=="}};
   for (const auto& [type, data] : expectations) {
     driver.component.setParameter(u"OutputDataType", type);
-    const std::u16string id = driver.openPort(kFirstUsbPort);
+    const std::u16string id = driver.open(kFirstUsbPort);
     line.send("scan\r");
     EXPECT_EQ(driver.event().data, data);
-    driver.component.close(id);
+    driver.close(id);
   }
 }
 
@@ -108,9 +103,9 @@ class Host {
   // Listens with one setting until so many scans have come.
   Host(int number, const std::string& setting, int scans) : line_(LineSetting::kRaw) {
     line_.link("/dev/ttyUSB" + std::to_string(number));
-    program_.emplace(rig::hostPath() + " --library " + rig::libraryPath() +
-                     " listen --json --port " + std::to_string(kFirstUsbPort + number) + " --set " +
-                     setting + " --count " + std::to_string(scans) + " 2>/dev/null");
+    program_.emplace(rig::Words{rig::hostPath(), "--library", rig::libraryPath(), "listen",
+                                "--json", "--port", std::to_string(kFirstUsbPort + number), "--set",
+                                setting, "--count", std::to_string(scans)});
   }
 
   bool waitUntilOpen() { return line_.waitForReader(-1, rig::kPatience); }
@@ -119,7 +114,7 @@ class Host {
   // The scans that have come, when all have.
   std::vector<std::string> scans() {
     std::vector<std::string> scans;
-    std::istringstream output(program_->readAll());
+    std::istringstream output(program_->end().output);
     for (std::string line; std::getline(output, line);) {
       scans.push_back(nlohmann::json::parse(line).at("data"));
     }
@@ -128,7 +123,7 @@ class Host {
 
  private:
   SerialLine line_;
-  std::optional<rig::ChildProgram> program_;
+  std::optional<rig::Program> program_;
 };
 
 TEST(FormChoices, EachSpeedIsTheSpeedOfTheLine) {
@@ -139,8 +134,8 @@ TEST(FormChoices, EachSpeedIsTheSpeedOfTheLine) {
   for (int i = 0; i < 11; ++i) hosts.emplace_back(i, "Speed=" + speeds.at(unsigned(i)), 1);
   for (std::size_t i = 0; i < hosts.size(); ++i) {
     ASSERT_TRUE(hosts[i].waitUntilOpen());
-    EXPECT_EQ(rig::outputOf("stty -F /dev/ttyUSB" + std::to_string(i) + " speed"),
-              speeds[i] + "\n");
+    const std::string path = "/dev/ttyUSB" + std::to_string(i);
+    EXPECT_EQ(rig::outputOf({"stty", "-F", path, "speed"}), speeds[i] + "\n");
     hosts[i].send("end\r");
   }
 }

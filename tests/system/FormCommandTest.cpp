@@ -4,9 +4,9 @@
 #include <string>
 
 #include "tests/common/Environment.h"
-#include "tests/system/rig/ChildProgram.h"
 #include "tests/system/rig/DeviceFiles.h"
 #include "tests/system/rig/Driver.h"
+#include "tests/system/rig/Program.h"
 #include "tests/system/rig/XServer.h"
 
 namespace {
@@ -17,12 +17,12 @@ using testing::StartsWith;
 
 class FormCommand : public testing::Test {
  protected:
-  static std::string command(const std::string& arguments) {
-    return rig::hostPath() + " --library " + rig::englishLibraryPath() + " form " + arguments;
+  static rig::Ending run(const rig::Words& arguments) {
+    rig::Words words = {rig::hostPath(), "--library", rig::englishLibraryPath(), "form"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return rig::run(words);
   }
-  static std::string form(const std::string& arguments = "") {
-    return rig::outputOf(command(arguments));
-  }
+  static std::string form(const rig::Words& arguments = {}) { return run(arguments).output; }
 
   ScopedVariable language_{"LC_ALL", "C"};
   ScopedVariable display_{"DISPLAY", std::nullopt};
@@ -76,7 +76,7 @@ TEST_F(FormCommand, FoldsTheSuffixAroundItsDefault) {
 }
 
 TEST_F(FormCommand, FoldsNothingWhenAskedForAll) {
-  const std::string all = form("--all");
+  const std::string all = form({"--all"});
   EXPECT_THAT(all, HasSubstr("\n      29   29 (GS)\n"));
   EXPECT_THAT(all, HasSubstr("\n      60   60 (<)\n"));
   EXPECT_THAT(all, Not(HasSubstr("…")));
@@ -88,8 +88,8 @@ TEST_F(FormCommand, SpeaksTheLanguageOfItsUser) {
 }
 
 TEST_F(FormCommand, RefusesWhatItDoesNotKnow) {
-  EXPECT_EQ(rig::ChildProgram(command("--xml extra 2>/dev/null")).exitCode(), 2);
-  EXPECT_EQ(rig::ChildProgram(command("--colour 2>/dev/null")).exitCode(), 2);
+  EXPECT_EQ(run({"--xml", "extra"}).code, 2);
+  EXPECT_EQ(run({"--colour"}).errors, "quorvel-host: unknown option --colour (see --help)\n");
 }
 
 }  // namespace

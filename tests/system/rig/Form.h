@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tests/system/rig/Driver.h"
+#include "tests/system/rig/Program.h"
 #include "tools/FormDocument.h"
 #include "tools/HostText.h"
 
@@ -13,6 +14,18 @@ namespace rig {
 // The document, in UTF-8.
 inline std::string formOf(Driver& driver) {
   return terminal::toUtf8(driver.component.parameters());
+}
+
+// The same from a process that starts English.
+inline std::string englishForm() {
+  return outputOf({hostPath(), "--library", englishLibraryPath(), "form", "--xml"});
+}
+
+inline bool isWellFormed(const std::string& document) {
+  Program xmllint({"xmllint", "--noout", "-"});
+  xmllint.write(document);
+  xmllint.endInput();
+  return xmllint.end().code == 0;
 }
 
 // The parameters of all groups.
