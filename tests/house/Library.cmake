@@ -1,6 +1,6 @@
 # What the built library looks like from outside: its symbols and how it is hardened.
 #
-# cmake -D LIBRARY=file -D NM=program -D READELF=program [-D SANITIZED=ON] -P Library.cmake
+# cmake -D LIBRARY=file -D NM=program -D READELF=program [-D SANITIZERS=list] -P Library.cmake
 cmake_minimum_required(VERSION 3.25)
 
 function(run result)
@@ -40,7 +40,8 @@ expect("${segments}" "GNU_STACK( +0x[0-9a-f]+)+ RW +0x" "stack that cannot be ex
 if(dynamic MATCHES "TEXTREL")
   message(SEND_ERROR "has relocations in its code")
 endif()
-if(NOT SANITIZED)
+# Sanitizers and fortified functions intercept the same calls.
+if(NOT SANITIZERS)
   expect("${imported}" " __stack_chk_fail" "guarded stack frames")
   expect("${imported}" " __[a-z]+_chk(@|\n)" "fortified functions")
 endif()
