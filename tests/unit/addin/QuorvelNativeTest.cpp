@@ -2,8 +2,6 @@
 
 #include <atomic>
 #include <climits>
-#include <memory>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -345,35 +343,32 @@ TEST_F(OnInputTest, UsesNoMemoryOfTheHost) {
 
 TEST_F(OnInputTest, ComesFromSeveralThreadsWhileTheHostGoesOn) {
   constexpr int kReaders = 3;
-  constexpr int kScans = 300;
+  constexpr int kRounds = 300;
   AppSettings::setLocale(1);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
-  std::atomic<int> reading = kReaders;
+  std::atomic<int> reading = 0;
+  std::atomic<bool> stop = false;
   std::vector<std::thread> readers;
   for (int reader = 0; reader < kReaders; ++reader) {
-    readers.emplace_back([this, reader, &reading] {
-      for (int scan = 0; scan < kScans; ++scan) {
-        component_.OnInput(L"InputDevice#" + std::to_wstring(reader), 16, 0, L"MTIz");
-      }
-      --reading;
+    readers.emplace_back([&] {
+      component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+      ++reading;
+      while (!stop) component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
     });
   }
-  while (reading > 0) {
+  while (reading < kReaders) std::this_thread::yield();
+  for (int round = 0; round < kRounds; ++round) {
     component_.Init(&connection_);
     component_.SetLocale(u"ru_RU");
     english.SetLocale(u"en_US");
   }
+  stop = true;
   for (std::thread& reader : readers) reader.join();
 
-  const std::set<Event, bool (*)(const Event&, const Event&)> allowed(
-      {{u"", u"Штрихкод", u"123"}, {u"", u"Barcode", u"123"}},
-      [](const Event& left, const Event& right) { return left.name < right.name; });
-  const std::vector<Event> events = connection_.events();
-  EXPECT_EQ(events.size(), std::size_t{kReaders * kScans});
-  for (const Event& event : events) {
-    EXPECT_EQ(allowed.count(event), 1u);
-    EXPECT_EQ(event.data, u"123");
-    EXPECT_EQ(event.source.substr(0, 12), u"InputDevice#");
+  const Event russian = {u"InputDevice#1", u"Штрихкод", u"123"};
+  const Event inEnglish = {u"InputDevice#1", u"Barcode", u"123"};
+  for (const Event& event : connection_.events()) {
+    ASSERT_TRUE(event == russian || event == inEnglish);
   }
 }
 
