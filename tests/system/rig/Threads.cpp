@@ -21,14 +21,17 @@ std::ifstream accountOf(pid_t thread, const char* name) {
   return file;
 }
 
-// The number after "NAME:" in an account of lines.
-long long numberNamed(const std::string& name, pid_t thread, const char* account) {
+// What stands after "NAME:" in an account of lines.
+std::string wordNamed(const std::string& name, pid_t thread, const char* account) {
   std::ifstream file = accountOf(thread, account);
   for (std::string word; file >> word;) {
-    long long number;
-    if (word == name + ":" && file >> number) return number;
+    if (word == name + ":" && file >> word) return word;
   }
   throw std::runtime_error("no " + name + " of a thread");
+}
+
+long long numberNamed(const std::string& name, pid_t thread, const char* account) {
+  return std::stoll(wordNamed(name, thread, account));
 }
 
 }  // namespace
@@ -60,17 +63,26 @@ std::chrono::nanoseconds processorTime(pid_t thread) {
 
 long long restsOf(pid_t thread) { return numberNamed("voluntary_ctxt_switches", thread, "status"); }
 
+bool blocks(pid_t thread, int signal) {
+  return std::stoull(wordNamed("SigBlk", thread, "status"), nullptr, 16) >> (signal - 1) & 1;
+}
+
 Reading readingOf(pid_t thread) {
   return {numberNamed("syscr", thread, "io"), numberNamed("rchar", thread, "io")};
 }
 
 void await(const char* what, const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + kPatience;
-  while (!condition()) {
+  for (int tries = 0; !condition(); ++tries) {
     if (std::chrono::steady_clock::now() > end) {
       throw std::runtime_error(std::string("waited in vain: ") + what);
     }
-    std::this_thread::yield();
+    // The kernel tells nobody when an account changes. What comes soon is not kept waiting.
+    if (tries < 100) {
+      std::this_thread::yield();
+    } else {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
 }
 

@@ -20,6 +20,9 @@ std::chrono::nanoseconds processorTime(pid_t thread);
 // How often the thread has laid itself to rest.
 long long restsOf(pid_t thread);
 
+// Whether the thread takes no signals of this number.
+bool blocks(pid_t thread, int signal);
+
 // What the thread has read: how often it has called read, and the bytes it got.
 struct Reading {
   long long calls;
