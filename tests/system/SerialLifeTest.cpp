@@ -1,0 +1,160 @@
+// From loading the library to the end of the process: nothing is left over, and nothing crashes on
+// the way out while scans come in.
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <thread>
+
+#include "tests/system/rig/OwnProcess.h"
+#include "tests/system/rig/SerialDriver.h"
+
+namespace {
+
+using rig::SerialDriver;
+using terminal::LineSetting;
+using terminal::SerialLine;
+
+constexpr std::int32_t kUsb1 = 129;
+
+// Scans on all lines as fast as they take it, while it lives.
+class Flood {
+ public:
+  explicit Flood(std::deque<SerialLine>& lines)
+      : lines_(lines), end_(eventfd(0, EFD_CLOEXEC)), thread_([this] { scan(); }) {}
+  ~Flood() {
+    eventfd_write(end_, 1);
+    thread_.join();
+    close(end_);
+  }
+  Flood(const Flood&) = delete;
+  Flood& operator=(const Flood&) = delete;
+
+ private:
+  void scan() {
+    for (std::size_t turn = 0; lines_[turn % lines_.size()].send("4600051000057\r", end_);) ++turn;
+  }
+
+  std::deque<SerialLine>& lines_;
+  const int end_;
+  std::thread thread_;
+};
+
+void openPorts(SerialDriver& driver, int count) {
+  for (std::int32_t port = kUsb1; port < kUsb1 + count; ++port) {
+    driver.plugIn(port);
+    driver.open(port);
+  }
+}
+
+void awaitEvents(SerialDriver& driver, int count) {
+  for (int i = 0; i < count; ++i) driver.event();
+}
+
+void scanOnce(SerialDriver& driver, SerialLine& line) {
+  const std::u16string id = driver.open(kUsb1);
+  line.send("1\r");
+  EXPECT_EQ(driver.event().source, id);
+  EXPECT_TRUE(driver.close(id));
+}
+
+// Bytes that are allocated; always 0 where a sanitizer allocates.
+std::size_t allocated() { return mallinfo2().uordblks; }
+
+TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
+  SerialDriver driver;
+  SerialLine& line = driver.plugIn(kUsb1);
+  // What the C library keeps for the next time is there after the first ones.
+  for (int i = 0; i < 20; ++i) scanOnce(driver, line);
+  const std::size_t threads = rig::threadCount();
+  const std::size_t descriptors = rig::descriptorCount();
+  const std::size_t memory = allocated();
+  constexpr std::size_t kOpenings = 200;
+  for (std::size_t i = 0; i < kOpenings; ++i) scanOnce(driver, line);
+  EXPECT_EQ(rig::threadCount(), threads);
+  EXPECT_EQ(rig::descriptorCount(), descriptors);
+  // The smallest block that each of them could leave behind.
+  EXPECT_LT(allocated(), memory + kOpenings * 16);
+  EXPECT_EQ(driver.component.memory().blocksOut(), 0);
+}
+
+TEST(SerialLife, DestroyingAComponentClosesItsDevices) {
+  std::deque<SerialLine> lines;
+  for (std::int32_t port = kUsb1; port < kUsb1 + 3; ++port) {
+    lines.emplace_back(LineSetting::kFramed).link(rig::portPath(port));
+  }
+  const std::size_t threads = rig::threadCount();
+  const std::size_t descriptors = rig::descriptorCount();
+  {
+    rig::Driver driver;
+    for (std::int32_t port = kUsb1; port < kUsb1 + 3; ++port) driver.openPort(port);
+    lines.back().send("1\r");
+    EXPECT_EQ(driver.event().source, u"InputDevice#3");
+    EXPECT_EQ(rig::threadCount(), threads + 3);
+  }
+  EXPECT_EQ(rig::threadCount(), threads);
+  EXPECT_EQ(rig::descriptorCount(), descriptors);
+}
+
+TEST(SerialLife, StartingAComponentAnewClosesItsDevices) {
+  SerialDriver driver;
+  const std::size_t threads = rig::threadCount();
+  openPorts(driver, 1);
+  {
+    const rig::Waking waking({&driver.lines[0]});
+    EXPECT_TRUE(driver.component.object().Init(&driver.component.connection()));
+  }
+  EXPECT_EQ(rig::threadCount(), threads);
+  EXPECT_FALSE(driver.component.close(u"InputDevice#1"));
+  // The openings go on being counted.
+  EXPECT_EQ(driver.open(kUsb1), u"InputDevice#2");
+}
+
+TEST(SerialLife, ClosingWhileScansArrive) {
+  SerialDriver driver;
+  const std::size_t threads = rig::threadCount();
+  for (int round = 0; round < 20; ++round) {
+    driver.lines.clear();
+    openPorts(driver, 2);
+    const Flood flood(driver.lines);
+    awaitEvents(driver, 10);
+    driver.closeAll();
+    while (driver.component.events().take(std::chrono::milliseconds(0))) {
+    }
+  }
+  EXPECT_EQ(rig::threadCount(), threads);
+}
+
+TEST(SerialLife, AHostThatExitsWhileScansArriveEndsInPeace) {
+  for (int run = 0; run < 5; ++run) {
+    rig::inOwnProcess([] {
+      // Never destroyed, as in a host that just exits.
+      static auto& driver = *new SerialDriver;
+      openPorts(driver, 3);
+      static auto& flood = *new Flood(driver.lines);
+      static_cast<void>(flood);
+      awaitEvents(driver, 10);
+    });
+  }
+}
+
+TEST(SerialLife, TheLibraryCanBeLoadedAgainAndAgain) {
+  for (int round = 0; round < 3; ++round) {
+    SerialDriver driver;
+    SerialLine& line = driver.plugIn(kUsb1);
+    scanOnce(driver, line);
+  }
+}
+
+TEST(SerialLife, TheLibraryCanBeUnloadedAfterItsComponents) {
+  SerialDriver first;
+  SerialDriver second(u"CardReaderDevice");
+  openPorts(first, 1);
+  // The one component goes with its share of the library, the other stays.
+  { const rig::Driver third; }
+  first.lines[0].send("1\r");
+  EXPECT_EQ(first.event().data, u"1");
+}
+
+}  // namespace
