@@ -22,6 +22,14 @@ void check(bool done, const char* what) {
   if (!done) throw std::system_error(errno, std::generic_category(), what);
 }
 
+// What there is to do when a line is not open any more: it reports the hangup without end, and no
+// new reader's coming.
+void rest(int cancel) {
+  constexpr int kRest = 10;  // milliseconds
+  pollfd cancelled = {cancel, POLLIN, 0};
+  poll(&cancelled, 1, kRest);
+}
+
 void setFramed(termios& line) {
   line.c_iflag &= ~static_cast<tcflag_t>(ICRNL | INLCR | IGNCR | IXON | IXOFF | ISTRIP | BRKINT |
                                          INPCK | PARMRK);
@@ -73,6 +81,11 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
     if (ready < 0 && errno == EINTR) continue;
     check(ready >= 0, "cannot wait for a reader");
     if (ready == 0 || waits[1].revents) return false;
+    if (!(waits[0].revents & POLLIN)) {
+      // Somebody has looked at the port and left again without being a reader, as stty(1) does.
+      rest(cancel);
+      continue;
+    }
     char packet[1024];
     check(read(master_, packet, sizeof packet) > 0, "cannot watch the reader");
     // The reader's input queue is discarded first, its output queue last.
@@ -85,6 +98,10 @@ bool SerialLine::send(std::string_view bytes, int cancel) {
     pollfd waits[] = {{master_, POLLOUT, 0}, {cancel, POLLIN, 0}};
     if (poll(waits, 2, -1) < 0) continue;
     if (waits[1].revents) return false;
+    if (!(waits[0].revents & POLLOUT)) {
+      rest(cancel);
+      continue;
+    }
     const ssize_t written = write(master_, bytes.data(), bytes.size());
     if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     check(written >= 0, "cannot send");
