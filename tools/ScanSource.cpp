@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <sstream>
 #include <system_error>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr Text kTwoSources = {"either texts or --file, not both",
                               "либо тексты, либо --file, но не оба"};
+constexpr Text kCannotRead = {"cannot read the scans", "не удалось прочитать сканы"};
 constexpr Text kBadEscape = {"not an escape: ", "неверная последовательность: "};
 
 // The byte that a letter after the backslash stands for.
@@ -79,7 +81,12 @@ std::string withoutEscapes(const std::string& text) {
 ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
     : options_(options), texts_(std::move(texts)) {
   if (!texts_.empty() && !options.file.empty()) throw UsageError(say(kTwoSources));
-  if (!texts_.empty()) return;
+  if (!texts_.empty()) {
+    // Before anything is plugged in: a wrong command line is to have no effect.
+    if (options_.escapes)
+      std::transform(texts_.begin(), texts_.end(), texts_.begin(), withoutEscapes);
+    return;
+  }
   descriptor_ = openSource(options.file);
   if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), options.file);
 }
@@ -88,25 +95,23 @@ ScanSource::~ScanSource() {
   if (descriptor_ >= 0) close(descriptor_);
 }
 
-std::string ScanSource::nextBurst(const EndSignals& end) {
-  std::string bytes;
+std::optional<std::string> ScanSource::nextBurst(const EndSignals& end) {
+  std::optional<std::string> bytes;
   for (int i = 0; i < options_.burst; ++i) {
     const std::optional<std::string> text = next(end);
     if (!text) break;
-    bytes += *text + options_.suffix;
+    bytes = bytes.value_or("") + *text + options_.suffix;
   }
   return bytes;
 }
 
 std::optional<std::string> ScanSource::next(const EndSignals& end) {
-  std::optional<std::string> text;
-  if (descriptor_ >= 0) {
-    text = nextLine(end);
-  } else if (position_ < texts_.size()) {
-    text = texts_[position_++];
+  if (descriptor_ < 0) {
+    return position_ < texts_.size() ? std::optional(texts_[position_++]) : std::nullopt;
   }
-  if (text && options_.escapes) text = withoutEscapes(*text);
-  return text;
+  std::optional<std::string> line = nextLine(end);
+  if (line && options_.escapes) line = withoutEscapes(*line);
+  return line;
 }
 
 std::optional<std::string> ScanSource::nextLine(const EndSignals& end) {
@@ -123,8 +128,11 @@ std::optional<std::string> ScanSource::nextLine(const EndSignals& end) {
     if (waits[1].revents) return std::nullopt;
     char buffer[4096];
     const ssize_t got = read(descriptor_, buffer, sizeof buffer);
+    if (got < 0 && errno != EINTR) {
+      throw std::system_error(errno, std::generic_category(), say(kCannotRead));
+    }
     if (got > 0) pending_.append(buffer, static_cast<std::size_t>(got));
-    ended_ = got == 0 || (got < 0 && errno != EINTR);
+    ended_ = got == 0;
   }
 }
 

@@ -28,15 +28,17 @@ struct ScanOptions {
 class ScanSource {
  public:
   // Without texts and without a file it reads standard input. Throws std::system_error for a file
-  // that cannot be opened, UsageError for a text and a file together.
+  // that cannot be opened, UsageError for a text and a file together and for an escape that is
+  // none.
   ScanSource(const ScanOptions& options, Arguments texts);
   ~ScanSource();
   ScanSource(const ScanSource&) = delete;
   ScanSource& operator=(const ScanSource&) = delete;
 
   // The bytes of the next scans up to a pause, their suffixes included; none at the end or when a
-  // signal asks for it. Throws UsageError for an escape that is none.
-  std::string nextBurst(const EndSignals& end);
+  // signal asks for it. Throws UsageError for a line with an escape that is none, std::system_error
+  // when the file cannot be read.
+  std::optional<std::string> nextBurst(const EndSignals& end);
 
  private:
   std::optional<std::string> next(const EndSignals& end);

@@ -36,9 +36,9 @@ int runKeyboardScanner(const Arguments& arguments) {
   const EndSignals end;
   ScanSource source(scans, texts);
   const auto keyboard = socket.empty() ? connectXTestKeyboard() : connectInputTestKeyboard(socket);
-  for (std::string bytes; !(bytes = source.nextBurst(end)).empty();) {
-    requireKeys(bytes);
-    if (!typeSlowly(*keyboard, bytes, scans.byteDelay, end) || end.wait(scans.pause)) break;
+  while (const std::optional<std::string> bytes = source.nextBurst(end)) {
+    requireKeys(*bytes);
+    if (!typeSlowly(*keyboard, *bytes, scans.byteDelay, end) || end.wait(scans.pause)) break;
   }
   return 0;
 }

@@ -44,10 +44,10 @@ Arguments readSerialOptions(const Arguments& arguments, SerialOptions& serial) {
 // Scans all the texts; false when a signal asks for the end.
 bool scan(SerialLine& line, ScanSource& source, const SerialOptions& serial,
           const EndSignals& end) {
-  for (std::string bytes; !(bytes = source.nextBurst(end)).empty();) {
+  while (const std::optional<std::string> bytes = source.nextBurst(end)) {
     const bool sent = serial.scans.byteDelay.count() == 0
-                          ? line.send(bytes, end.descriptor())
-                          : line.sendSlowly(bytes, serial.scans.byteDelay, end.descriptor());
+                          ? line.send(*bytes, end.descriptor())
+                          : line.sendSlowly(*bytes, serial.scans.byteDelay, end.descriptor());
     if (!sent || end.wait(serial.scans.pause)) return false;
   }
   return true;
