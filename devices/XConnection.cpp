@@ -117,6 +117,13 @@ void installXErrorHandlers() {
   routing.connection.cover(handleConnectionError, XSetIOErrorHandler);
 }
 
+void adoptDisplay(Display* display, XIOErrorExitHandler lost, void* data) {
+  XSetIOErrorExitHandler(display, lost, data);
+  ErrorRouting& routing = errorRouting();
+  const std::lock_guard lock(routing.mutex);
+  routing.own.push_back(display);
+}
+
 XConnection XConnection::open() {
   installXErrorHandlers();
   XConnection connection;
@@ -129,10 +136,7 @@ XConnection XConnection::open() {
 
   connection.state_.reset(state.release());
   if (broken) return {};
-  XSetIOErrorExitHandler(connection.get(), noteLoss, &connection.state_->lost);
-  ErrorRouting& routing = errorRouting();
-  const std::lock_guard lock(routing.mutex);
-  routing.own.push_back(connection.get());
+  adoptDisplay(connection.get(), noteLoss, &connection.state_->lost);
   return connection;
 }
 

@@ -20,6 +20,11 @@ namespace quorvel {
 // times.
 void installXErrorHandlers();
 
+// Counts a display that a toolkit has opened for the driver among the driver's own. `lost` is
+// called with `data`, on the thread that notices, when the server goes away. The display stays the
+// toolkit's and is never closed.
+void adoptDisplay(Display* display, XIOErrorExitHandler lost, void* data);
+
 // A connection of the driver's own to the default X display. Protocol errors on it are swallowed;
 // when the server goes away the connection is lost, and further requests on it fail without effect.
 // It may be moved, and used by one thread after another, but not by two at a time: Xlib cannot cope

@@ -82,7 +82,10 @@ std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
 }
 
 void DevTestDialogLinux::ShowDlg() {
-  if (mDlg || !prepareGtk()) return;
+  const auto close = [] {
+    if (mDlg) gtk_dialog_response(GTK_DIALOG(mDlg), GTK_RESPONSE_NONE);
+  };
+  if (mDlg || !prepareGtk(close)) return;
   ListenPorts();
   ListenKeyboardDevices();
   const SharedWidgets widgets;

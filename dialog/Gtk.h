@@ -33,7 +33,9 @@ inline GObjectPtr<GtkWidget> keep(GtkWidget* widget) {
 }
 
 // Whether windows can be shown on the display that the environment names. The first call makes GTK
-// ready, unless the host has, and leaves the locale of the process as it is. GTK thread.
-bool prepareGtk();
+// ready, unless the host has, and leaves the locale of the process as it is. Where it was the
+// driver that made GTK ready, the end of the X server is not the end of the process: windows cannot
+// be shown from then on, and the main loop calls `displayLost`. GTK thread.
+bool prepareGtk(void (*displayLost)());
 
 }  // namespace quorvel

@@ -1,0 +1,116 @@
+// The Copy button of the device test window, read by another program, through the built library.
+#include <gtest/gtest.h>
+
+#include "tests/system/rig/Command.h"
+#include "tests/system/rig/OwnProcess.h"
+#include "tests/system/rig/SharedXServer.h"
+#include "tests/system/rig/TestWindow.h"
+
+namespace {
+
+using rig::inOwnProcess;
+using rig::scannerAt;
+using rig::TestWindow;
+using rig::visitWindow;
+
+// The text on the clipboard as another program gets it; this process does nothing meanwhile.
+std::string clipboard() { return rig::run("xclip -o -selection clipboard"); }
+
+// Another program takes the clipboard.
+void takeClipboard(const std::string& text) {
+  rig::run("printf %s '" + text + "' | xclip -i -selection clipboard >/dev/null");
+}
+
+// Shows the window with one row for each scan.
+void visitRows(const std::vector<std::string>& scans,
+               const std::function<void(TestWindow&)>& deeds) {
+  const auto scanner = scannerAt("/dev/ttyUSB0");
+  visitWindow([&](TestWindow& window) {
+    std::size_t rows = 0;
+    for (const std::string& scan : scans) {
+      scanner->send(scan + "\r");
+      window.awaitRows(++rows);
+    }
+    deeds(window);
+  });
+}
+
+void copyRow(const TestWindow& window, int row) {
+  window.select(row);
+  window.click("Копировать");
+}
+
+TEST(Copy, PutsTheSelectedTextOnTheClipboard) {
+  inOwnProcess([] {
+    visitRows({"first", "Второй"}, [](TestWindow& window) {
+      copyRow(window, 1);
+      EXPECT_EQ(clipboard(), "Второй 'CR' ");
+      copyRow(window, 0);
+      EXPECT_EQ(clipboard(), "first 'CR' ");
+    });
+  });
+}
+
+TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
+  inOwnProcess([] {
+    visitRows({"scan"}, [](TestWindow& window) { copyRow(window, 0); });
+    EXPECT_EQ(clipboard(), "scan 'CR' ");
+    EXPECT_EQ(clipboard(), "scan 'CR' ");
+  });
+}
+
+TEST(Copy, DoesNothingWithoutASelection) {
+  inOwnProcess([] {
+    takeClipboard("taken");
+    visitRows({"scan"}, [](TestWindow& window) {
+      const std::size_t threads = rig::threadCount();
+      window.click("Копировать");
+      EXPECT_EQ(rig::threadCount(), threads);
+      EXPECT_EQ(clipboard(), "taken");
+    });
+  });
+}
+
+TEST(Copy, YieldsToAnotherProgram) {
+  inOwnProcess([] {
+    visitRows({"scan"}, [](TestWindow& window) {
+      const std::size_t threads = rig::threadCount();
+      copyRow(window, 0);
+      copyRow(window, 0);
+      // The first text's thread ends when the second takes the clipboard, and that one's now.
+      takeClipboard("taken");
+      EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads; }));
+      EXPECT_EQ(clipboard(), "taken");
+      copyRow(window, 0);
+      EXPECT_EQ(clipboard(), "scan 'CR' ");
+    });
+  });
+}
+
+TEST(Copy, RestsWhileTheClipboardIsHeld) {
+  inOwnProcess([] {
+    rig::Times closing;
+    visitRows({"scan"}, [&](TestWindow& window) {
+      copyRow(window, 0);
+      EXPECT_EQ(clipboard(), "scan 'CR' ");
+      closing = rig::timesNow();
+    });
+    // To stop the listeners takes most of a second, in which a thread that spins would be seen.
+    const rig::Times used = rig::timesSince(closing);
+    EXPECT_LT(used.processor, used.wall / 4);
+  });
+}
+
+TEST(Copy, OutlivesTheXServer) {
+  inOwnProcess([] {
+    rig::XServer server({"Scanner"});
+    setenv("DISPLAY", server.display().c_str(), 1);
+    visitRows({"scan"}, [&](TestWindow& window) { copyRow(window, 0); });
+    EXPECT_EQ(clipboard(), "scan 'CR' ");
+    const std::size_t threads = rig::threadCount();
+    server.kill();
+    EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads - 1; }));
+  });
+}
+
+}  // namespace

@@ -1,0 +1,195 @@
+// The device test window in hosts and on machines of all kinds, through the built library.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <filesystem>
+
+#include "tests/system/rig/Command.h"
+#include "tests/system/rig/OwnProcess.h"
+#include "tests/system/rig/SharedXServer.h"
+#include "tests/system/rig/TestWindow.h"
+
+namespace {
+
+using rig::inOwnProcess;
+using rig::Row;
+using rig::scannerAt;
+using rig::TestWindow;
+using rig::visitWindow;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
+  inOwnProcess([] {
+    unsetenv("DISPLAY");
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    rig::Driver driver;
+    const std::size_t threads = rig::threadCount();
+    EXPECT_TRUE(driver.component.test());
+    EXPECT_TRUE(driver.component.test());
+    EXPECT_FALSE(scanner->waitForReader(-1, std::chrono::milliseconds(0)));
+    EXPECT_EQ(rig::threadCount(), threads);
+  });
+}
+
+TEST(TestWindowHost, LeavesTheLocaleAlone) {
+  inOwnProcess([] {
+    setenv("LC_ALL", "C.UTF-8", 1);
+    visitWindow([](TestWindow&) {});
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+  });
+}
+
+TEST(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
+  inOwnProcess([] {
+    setenv("LC_ALL", "C.UTF-8", 1);
+    ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
+    GtkWidget* const hostWindow = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_show(hostWindow);
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    for (int i = 0; i < 2; ++i) {
+      visitWindow([&](TestWindow& window) {
+        scanner->send("scan\r");
+        EXPECT_THAT(window.awaitRows(1), ElementsAre(Row{"USB1:", "scan 'CR' "}));
+      });
+      EXPECT_TRUE(gtk_widget_get_visible(hostWindow));
+    }
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C.UTF-8");
+    gtk_widget_destroy(hostWindow);
+  });
+}
+
+TEST(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
+  inOwnProcess([] {
+    const rig::Command manager({"matchbox-window-manager"});
+    visitWindow([](TestWindow& window) {
+      // Until the window manager has taken the window over, it has none to close.
+      window.await("closing", [&] {
+        rig::run("wmctrl -i -c " + std::to_string(window.id()));
+        return window.response().has_value();
+      });
+      EXPECT_EQ(window.response(), GTK_RESPONSE_DELETE_EVENT);
+    });
+  });
+}
+
+// A host may call the method again from a timer of its own, which the window's main loop runs.
+TEST(TestWindowHost, OpensOnlyOnce) {
+  inOwnProcess([] {
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    rig::Driver driver;
+    visitWindow(driver.component, [&](TestWindow& window) {
+      EXPECT_TRUE(driver.component.test());
+      scanner->send("scan\r");
+      EXPECT_THAT(window.awaitRows(1), ElementsAre(Row{"USB1:", "scan 'CR' "}));
+    });
+  });
+}
+
+TEST(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
+  inOwnProcess([] {
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    visitWindow([&](TestWindow& window) {
+      scanner->send("shown\r");
+      window.awaitRows(1);
+      gtk_widget_destroy(GTK_WIDGET(window.dialog()));
+      scanner->send("never shown\r");
+    });
+    // Nothing of the window is left for a row to come to.
+    while (g_main_context_iteration(nullptr, FALSE)) continue;
+  });
+}
+
+// The host's port lies behind a gap in the numbers, where the window does not listen.
+TEST(TestWindowHost, LeavesAPortOfTheHostAlone) {
+  inOwnProcess([] {
+    const auto hostScanner = scannerAt("/dev/ttyUSB1");
+    rig::Driver driver;
+    const std::u16string id = driver.openPort(130);
+    visitWindow(driver.component, [&](TestWindow& window) {
+      hostScanner->send("during\r");
+      EXPECT_EQ(driver.event().data, u"during");
+      EXPECT_THAT(window.rows(), IsEmpty());
+    });
+    hostScanner->send("after\r");
+    EXPECT_EQ(driver.event().data, u"after");
+    EXPECT_TRUE(driver.component.close(id));
+  });
+}
+
+TEST(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
+  inOwnProcess([] {
+    rig::XServer& server = rig::sharedXServer();
+    rig::Driver driver;
+    driver.component.setParameter(u"KeyboardDevice", u"Plain scanner");
+    const auto id = driver.component.open();
+    ASSERT_TRUE(id);
+    visitWindow(driver.component, [&](TestWindow& window) {
+      terminal::type(server.keyboard(rig::kPlainIndex), "during\r");
+      EXPECT_EQ(driver.event().data, u"during");
+      terminal::type(server.keyboard(rig::kAmpersandIndex), "shown\r");
+      EXPECT_THAT(window.awaitRows(1),
+                  ElementsAre(Row{std::string(rig::kAmpersandKeyboard) + ":", "shown 'CR' "}));
+    });
+    terminal::type(server.keyboard(rig::kPlainIndex), "after\r");
+    EXPECT_EQ(driver.event().data, u"after");
+  });
+}
+
+// Serial ports with no chip behind them: readable at once, and forever, with nothing to be read.
+TEST(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
+  inOwnProcess([] {
+    for (int i = 0; i < 32; ++i) {
+      std::filesystem::create_symlink("/dev/null", "/dev/ttyS" + std::to_string(i));
+    }
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    rig::Times closing;
+    visitWindow([&](TestWindow& window) {
+      scanner->send("scan\r");
+      EXPECT_THAT(window.awaitRows(1), ElementsAre(Row{"USB1:", "scan 'CR' "}));
+      closing = rig::timesNow();
+    });
+    const rig::Times taken = rig::timesSince(closing);
+    // A step is a second; one after another the 33 listeners would take half a minute.
+    EXPECT_LT(taken.wall, 5);
+    EXPECT_LT(taken.processor, taken.wall / 4);
+  });
+}
+
+TEST(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
+  inOwnProcess([] {
+    rig::XServer server({"Scanner"});
+    setenv("DISPLAY", server.display().c_str(), 1);
+    rig::Driver driver;
+    const std::size_t threads = rig::threadCount();
+    driver.component.setParameter(u"KeyboardDevice", u"Scanner");
+    ASSERT_TRUE(driver.component.open());
+    visitWindow(driver.component, [](TestWindow&) {});
+    server.kill();
+    // The reader of the keyboard ends, and nothing else does.
+    EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads; }));
+  });
+}
+
+TEST(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
+  inOwnProcess([] {
+    rig::XServer server({"Scanner"});
+    setenv("DISPLAY", server.display().c_str(), 1);
+    const auto scanner = scannerAt("/dev/ttyUSB0");
+    rig::Driver driver;
+    visitWindow(driver.component, [&](TestWindow& window) {
+      scanner->send("scan\r");
+      window.awaitRows(1);
+      server.kill();
+      window.await("closing", [&] { return window.response().has_value(); });
+    });
+    // There is no display to show it on any more.
+    EXPECT_TRUE(driver.component.test());
+    driver.openPort(129);
+    scanner->send("still read\r");
+    EXPECT_EQ(driver.event().data, u"still read");
+  });
+}
+
+}  // namespace
