@@ -17,30 +17,14 @@ namespace {
 
 using rig::inOwnProcess;
 using rig::Row;
+using rig::scannerAt;
 using rig::TestWindow;
-using terminal::LineSetting;
+using rig::visitWindow;
 using terminal::SerialLine;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 using testing::UnorderedElementsAreArray;
-
-// A scanner on a serial port, whose scans come whole.
-std::unique_ptr<SerialLine> scannerAt(const std::string& path) {
-  auto line = std::make_unique<SerialLine>(LineSetting::kFramed);
-  line->link(path);
-  return line;
-}
-
-// Shows the test window of a component and does `deeds` in it; expects what DeviceTest returns.
-void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds) {
-  rig::whileTestWindowIsOpen([&] { EXPECT_TRUE(component.test()); }, deeds);
-}
-
-void visitWindow(const std::function<void(TestWindow&)>& deeds) {
-  rig::Driver driver;
-  visitWindow(driver.component, deeds);
-}
 
 struct Packing {
   gboolean expand;
@@ -345,6 +329,7 @@ TEST(TestWindow, OpensAgainAndLeavesNothingBehind) {
         scanner->send(scan + "\r");
         EXPECT_THAT(window.awaitRows(1), ElementsAre(Row{"USB1:", scan + " 'CR' "}));
         window.click("Закрыть");
+        EXPECT_EQ(window.response(), 1);
       });
     };
     scanOnce("first");

@@ -12,7 +12,11 @@
 namespace rig {
 namespace {
 
+// Seconds. A process that hangs is ended by the alarm.
+constexpr unsigned kLongestLife = 120;
+
 [[noreturn]] void runAndExit(const std::function<void()>& body) {
+  alarm(kLongestLife);
   try {
     body();
   } catch (const std::exception& error) {

@@ -1,10 +1,14 @@
 #include "tests/system/rig/TestWindow.h"
 
+#include <gtest/gtest.h>
+#include <time.h>
+
 #include <exception>
 #include <memory>
 #include <stdexcept>
 
-#include "tests/system/rig/Driver.h"
+// After GoogleTest, whose names are macros in X.
+#include <gdk/gdkx.h>
 
 namespace rig {
 namespace {
@@ -23,10 +27,24 @@ gboolean setFlag(gpointer flag) {
   return G_SOURCE_REMOVE;
 }
 
+// The open test window, or null.
+GtkDialog* findTestWindow() {
+  GList* const toplevels = gtk_window_list_toplevels();
+  GtkDialog* found = nullptr;
+  for (GList* at = toplevels; at; at = at->next) {
+    if (GTK_IS_DIALOG(at->data) && gtk_widget_get_visible(GTK_WIDGET(at->data))) {
+      found = GTK_DIALOG(at->data);
+    }
+  }
+  g_list_free(toplevels);
+  return found;
+}
+
 // One visit: what to do in the window, and what came of it.
 struct Visit {
   const std::function<void(TestWindow&)>& deeds;
   bool done = false;
+  bool closed = false;
   std::exception_ptr thrown = nullptr;
 };
 
@@ -35,22 +53,41 @@ gboolean visitWindow(gpointer data) {
   if (!dialog) return G_SOURCE_CONTINUE;
   auto& visit = *static_cast<Visit*>(data);
   visit.done = true;
+  g_object_ref(dialog);
   try {
     TestWindow window(dialog);
     visit.deeds(window);
+    if (window.response()) visit.closed = true;
   } catch (...) {
     visit.thrown = std::current_exception();
   }
-  if (findTestWindow() == dialog) gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+  if (!visit.closed) gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+  g_object_unref(dialog);
   return G_SOURCE_REMOVE;
 }
 
 }  // namespace
 
-TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog), list_(nullptr) {
+TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog) {
   const std::vector<GtkWidget*> lists = widgets(GTK_TYPE_TREE_VIEW);
   if (lists.size() != 1) throw std::runtime_error("the window has not one list");
   list_ = GTK_TREE_VIEW(lists.front());
+  responseHandler_ = g_signal_connect(dialog_, "response",
+                                      G_CALLBACK(+[](GtkDialog*, gint response, gpointer window) {
+                                        static_cast<TestWindow*>(window)->response_ = response;
+                                      }),
+                                      this);
+}
+
+TestWindow::~TestWindow() {
+  // A destroyed window has dropped its handlers.
+  if (g_signal_handler_is_connected(dialog_, responseHandler_)) {
+    g_signal_handler_disconnect(dialog_, responseHandler_);
+  }
+}
+
+unsigned long TestWindow::id() const {
+  return GDK_WINDOW_XID(gtk_widget_get_window(GTK_WIDGET(dialog_)));
 }
 
 std::vector<GtkWidget*> TestWindow::widgets(GType type) const {
@@ -108,18 +145,6 @@ void TestWindow::select(int row) const {
   gtk_tree_path_free(path);
 }
 
-GtkDialog* findTestWindow() {
-  GList* const toplevels = gtk_window_list_toplevels();
-  GtkDialog* found = nullptr;
-  for (GList* at = toplevels; at; at = at->next) {
-    if (GTK_IS_DIALOG(at->data) && gtk_widget_get_visible(GTK_WIDGET(at->data))) {
-      found = GTK_DIALOG(at->data);
-    }
-  }
-  g_list_free(toplevels);
-  return found;
-}
-
 void whileTestWindowIsOpen(const std::function<void()>& show,
                            const std::function<void(TestWindow&)>& deeds) {
   g_log_set_always_fatal(
@@ -132,6 +157,35 @@ void whileTestWindowIsOpen(const std::function<void()>& show,
     throw std::runtime_error("no test window was shown");
   }
   if (visit.thrown) std::rethrow_exception(visit.thrown);
+}
+
+void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds) {
+  whileTestWindowIsOpen([&] { EXPECT_TRUE(component.test()); }, deeds);
+}
+
+void visitWindow(const std::function<void(TestWindow&)>& deeds) {
+  Driver driver;
+  visitWindow(driver.component, deeds);
+}
+
+std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path) {
+  auto line = std::make_unique<terminal::SerialLine>(terminal::LineSetting::kFramed);
+  line->link(path);
+  return line;
+}
+
+Times timesNow() {
+  const auto seconds = [](clockid_t clock) {
+    timespec time;
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+  };
+  return {seconds(CLOCK_PROCESS_CPUTIME_ID), seconds(CLOCK_MONOTONIC)};
+}
+
+Times timesSince(const Times& before) {
+  const Times now = timesNow();
+  return {now.processor - before.processor, now.wall - before.wall};
 }
 
 }  // namespace rig

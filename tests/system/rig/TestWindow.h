@@ -4,8 +4,13 @@
 #include <gtk/gtk.h>
 
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "tests/system/rig/Driver.h"
+#include "tools/SerialLine.h"
 
 namespace rig {
 
@@ -20,9 +25,15 @@ struct Row {
 class TestWindow {
  public:
   explicit TestWindow(GtkDialog* dialog);
+  ~TestWindow();
+  TestWindow(const TestWindow&) = delete;
+  TestWindow& operator=(const TestWindow&) = delete;
 
   GtkDialog* dialog() const { return dialog_; }
   GtkTreeView* list() const { return list_; }
+
+  // By which other programs know the window.
+  unsigned long id() const;
 
   // All widgets inside the window, in their order, of one type of GTK's.
   std::vector<GtkWidget*> widgets(GType type) const;
@@ -41,9 +52,14 @@ class TestWindow {
 
   void select(int row) const;
 
+  // What the window was closed with; none while it is open.
+  std::optional<int> response() const { return response_; }
+
  private:
   GtkDialog* dialog_;
   GtkTreeView* list_;
+  std::optional<int> response_;
+  gulong responseHandler_;
 };
 
 // Calls `show`, which shows a test window and returns when it is closed. As soon as the window
@@ -52,7 +68,21 @@ class TestWindow {
 void whileTestWindowIsOpen(const std::function<void()>& show,
                            const std::function<void(TestWindow&)>& deeds);
 
-// The open test window, or null.
-GtkDialog* findTestWindow();
+// The same with the DeviceTest of a component, which is expected to be true.
+void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds);
+
+// The same with a component of its own.
+void visitWindow(const std::function<void(TestWindow&)>& deeds);
+
+// A scanner whose scans come whole, at a serial port of this path.
+std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path);
+
+// Processor time that this process has used, in seconds; and time on the wall.
+struct Times {
+  double processor;
+  double wall;
+};
+Times timesSince(const Times& before);
+Times timesNow();
 
 }  // namespace rig
