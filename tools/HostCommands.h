@@ -10,5 +10,6 @@ namespace terminal {
 int runInfo(ComponentLibrary& library, const Arguments& arguments);
 int runForm(ComponentLibrary& library, const Arguments& arguments);
 int runListen(ComponentLibrary& library, const Arguments& arguments);
+int runTest(ComponentLibrary& library, const Arguments& arguments);
 
 }  // namespace terminal

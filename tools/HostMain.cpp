@@ -26,6 +26,7 @@ commands:
               --class NAME      InputDevice (default) or CardReaderDevice
               --count N         end by itself after N scans
               --json            one JSON object per scan
+  test      open the component's test window: what every port and keyboard sends
 
 options:
   --library FILE  the component library; by default the one beside this program
@@ -51,6 +52,7 @@ exit code: 0 done, 1 failed, 2 the command line is wrong
               --class ИМЯ       InputDevice (по умолчанию) или CardReaderDevice
               --count N         закончить после N сканирований
               --json            каждое сканирование — объект JSON
+  test      открыть окно теста компоненты: что шлют все порты и клавиатуры
 
 ключи:
   --library ФАЙЛ  библиотека компоненты; по умолчанию та, что рядом с программой
@@ -82,7 +84,10 @@ int run(const Arguments& words) {
       return command(library, arguments);
     };
   };
-  return runCommand({{"info", with(runInfo)}, {"form", with(runForm)}, {"listen", with(runListen)}},
+  return runCommand({{"info", with(runInfo)},
+                     {"form", with(runForm)},
+                     {"listen", with(runListen)},
+                     {"test", with(runTest)}},
                     rest, kHelp);
 }
 

@@ -1,10 +1,11 @@
 // The Copy button of the device test window, read by another program, through the built library.
 #include <gtest/gtest.h>
 
-#include "tests/system/rig/Command.h"
 #include "tests/system/rig/OwnProcess.h"
+#include "tests/system/rig/Program.h"
 #include "tests/system/rig/SharedXServer.h"
 #include "tests/system/rig/TestWindow.h"
+#include "tests/system/rig/Threads.h"
 
 namespace {
 
@@ -14,12 +15,21 @@ using rig::TestWindow;
 using rig::visitWindow;
 
 // The text on the clipboard as another program gets it; this process does nothing meanwhile.
-std::string clipboard() { return rig::run("xclip -o -selection clipboard"); }
+std::string clipboard() { return rig::outputOf({"xclip", "-o", "-selection", "clipboard"}); }
 
-// Another program takes the clipboard.
-void takeClipboard(const std::string& text) {
-  rig::run("printf %s '" + text + "' | xclip -i -selection clipboard >/dev/null");
-}
+// Another program, which has taken the clipboard and holds it until it is taken from it.
+class Taker {
+ public:
+  explicit Taker(const std::string& text)
+      : xclip_({"xclip", "-i", "-quiet", "-selection", "clipboard"}) {
+    xclip_.write(text);
+    xclip_.endInput();
+    while (xclip_.errorLine().find("Waiting") == std::string::npos) continue;
+  }
+
+ private:
+  rig::Program xclip_;
+};
 
 // Shows the window with one row for each scan.
 void visitRows(const std::vector<std::string>& scans,
@@ -61,7 +71,7 @@ TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
 
 TEST(Copy, DoesNothingWithoutASelection) {
   inOwnProcess([] {
-    takeClipboard("taken");
+    const Taker taker("taken");
     visitRows({"scan"}, [](TestWindow& window) {
       const std::size_t threads = rig::threadCount();
       window.click("Копировать");
@@ -78,8 +88,8 @@ TEST(Copy, YieldsToAnotherProgram) {
       copyRow(window, 0);
       copyRow(window, 0);
       // The first text's thread ends when the second takes the clipboard, and that one's now.
-      takeClipboard("taken");
-      EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads; }));
+      const Taker taker("taken");
+      rig::await("the end of its thread", [&] { return rig::threadCount() == threads; });
       EXPECT_EQ(clipboard(), "taken");
       copyRow(window, 0);
       EXPECT_EQ(clipboard(), "scan 'CR' ");
@@ -109,7 +119,7 @@ TEST(Copy, OutlivesTheXServer) {
     EXPECT_EQ(clipboard(), "scan 'CR' ");
     const std::size_t threads = rig::threadCount();
     server.kill();
-    EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads - 1; }));
+    rig::await("the end of its thread", [&] { return rig::threadCount() == threads - 1; });
   });
 }
 

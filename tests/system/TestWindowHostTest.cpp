@@ -5,10 +5,11 @@
 #include <clocale>
 #include <filesystem>
 
-#include "tests/system/rig/Command.h"
 #include "tests/system/rig/OwnProcess.h"
+#include "tests/system/rig/Program.h"
 #include "tests/system/rig/SharedXServer.h"
 #include "tests/system/rig/TestWindow.h"
+#include "tests/system/rig/Threads.h"
 
 namespace {
 
@@ -62,11 +63,11 @@ TEST(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
 
 TEST(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
   inOwnProcess([] {
-    const rig::Command manager({"matchbox-window-manager"});
+    const rig::Program manager({"matchbox-window-manager"});
     visitWindow([](TestWindow& window) {
       // Until the window manager has taken the window over, it has none to close.
       window.await("closing", [&] {
-        rig::run("wmctrl -i -c " + std::to_string(window.id()));
+        rig::run({"wmctrl", "-i", "-c", std::to_string(window.id())});
         return window.response().has_value();
       });
       EXPECT_EQ(window.response(), GTK_RESPONSE_DELETE_EVENT);
@@ -168,7 +169,7 @@ TEST(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
     visitWindow(driver.component, [](TestWindow&) {});
     server.kill();
     // The reader of the keyboard ends, and nothing else does.
-    EXPECT_TRUE(rig::eventually([&] { return rig::threadCount() == threads; }));
+    rig::await("the end of its reader", [&] { return rig::threadCount() == threads; });
   });
 }
 

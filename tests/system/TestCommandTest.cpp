@@ -1,0 +1,35 @@
+// quorvel-host test.
+#include <gtest/gtest.h>
+
+#include "tests/system/rig/Driver.h"
+#include "tests/system/rig/Program.h"
+#include "tests/system/rig/SharedXServer.h"
+
+namespace {
+
+TEST(TestCommand, ShowsTheWindowUntilItIsClosed) {
+  ASSERT_FALSE(rig::sharedXServer().display().empty());
+  const rig::Program manager({"matchbox-window-manager"});
+  rig::Program host({rig::hostPath(), "--library", rig::libraryPath(), "test"});
+  // Until the window is there, nothing has that title.
+  while (rig::run({"wmctrl", "-F", "-c", "Тест устройства"}, {{"LC_ALL", "C.UTF-8"}}).code != 0) {
+  }
+  const rig::Ending ending = host.end();
+  EXPECT_EQ(ending.code, 0);
+  EXPECT_EQ(ending.output, "");
+  EXPECT_EQ(ending.errors, "");
+}
+
+TEST(TestCommand, SaysWhenThereIsNoDisplay) {
+  const rig::Ending ending =
+      rig::run({rig::hostPath(), "test"}, {{"DISPLAY", ""}, {"LC_ALL", "C"}});
+  EXPECT_EQ(ending.code, 1);
+  EXPECT_EQ(ending.errors,
+            "quorvel-host: there is no X display to show the window on (DISPLAY is not set)\n");
+}
+
+TEST(TestCommand, TakesNoArguments) {
+  EXPECT_EQ(rig::run({rig::hostPath(), "test", "now"}).code, 2);
+}
+
+}  // namespace
