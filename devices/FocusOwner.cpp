@@ -43,9 +43,9 @@ bool FocusOwner::isAnotherAbove(Window window) {
   while ((parent = parentOf(connection_, window))) {
     if (*parent == None) return false;
     watchProcess(*parent);
-    const std::optional<CardinalProperty> process = readCardinal(connection_, *parent, processId_);
-    if (!process) break;
-    if (*process) return static_cast<pid_t>(**process) != getpid();
+    const CardinalProperty process = readCardinal(connection_, *parent, processId_);
+    if (!process.windowExists) break;
+    if (process.value) return static_cast<pid_t>(*process.value) != getpid();
     window = *parent;
   }
   known_ = false;

@@ -86,7 +86,12 @@ bool InputDeviceKeyboard::subscribe() {
   unsigned char bits[] = {0x0C, 0x60};
   XIEventMask mask{.deviceid = deviceId_, .mask_len = 1, .mask = bits};
   Display* const display = connection_.get();
-  if (listenOnly_) return XISelectEvents(display, root_, &mask, 1) == Success;
+  if (listenOnly_) {
+    const bool selected = XISelectEvents(display, root_, &mask, 1) == Success;
+    // The server is not asked to answer: without this, keys would be missed for a moment.
+    XSync(display, False);
+    return selected;
+  }
   return XIGrabDevice(display, deviceId_, root_, CurrentTime, None, XIGrabModeAsync,
                       XIGrabModeAsync, False, &mask) == XIGrabSuccess;
 }

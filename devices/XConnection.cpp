@@ -3,6 +3,7 @@
 #include <X11/Xatom.h>
 
 #include <algorithm>
+#include <csetjmp>
 #include <mutex>
 
 namespace quorvel {
@@ -43,10 +44,13 @@ ErrorRouting& errorRouting() {
   return routing;
 }
 
-// While a thread opens or closes a connection of the driver, the display is not among the own ones
-// (its address is not known yet, or may at any moment be another's), so the thread says it is.
-enum class Passage { kNone, kInProgress, kBroken };
-thread_local Passage passage = Passage::kNone;
+// While a thread opens or closes a connection of the driver, its display is not among the own ones:
+// the address is not known yet, or may at any moment be another's.
+thread_local bool opensOrCloses = false;
+
+// Where to go when a connection breaks that is being opened.
+thread_local std::jmp_buf wayOutOfOpening;
+thread_local bool opens = false;
 
 // How many of the driver's handlers are running on this thread: a handler below that calls the one
 // it replaced comes round to the driver's again, and is then sent one place further down.
@@ -61,7 +65,7 @@ class DepthStep {
 };
 
 bool isOwn(Display* display) {
-  if (passage != Passage::kNone) return true;
+  if (opensOrCloses) return true;
   ErrorRouting& routing = errorRouting();
   const std::lock_guard lock(routing.mutex);
   return std::ranges::find(routing.own, display) != routing.own.end();
@@ -82,12 +86,8 @@ int handleProtocolError(Display* display, XErrorEvent* error) {
   return next(display, error);
 }
 
-// Xlib calls this when a connection broke while it was being opened, in place of ending the
-// process.
-void leavePassageBroken(Display*, void*) { passage = Passage::kBroken; }
-
 int handleConnectionError(Display* display) {
-  if (passage != Passage::kNone) XSetIOErrorExitHandler(display, leavePassageBroken, nullptr);
+  if (opens) std::longjmp(wayOutOfOpening, 1);
   if (isOwn(display)) return 0;
   const XIOErrorHandler next = nextBelow(&ErrorRouting::connection);
   if (!next) return 0;
@@ -105,6 +105,16 @@ void noteLoss(Display* display, void* lost) {
 void initialiseXlibThreads() {
   static std::once_flag once;
   std::call_once(once, XInitThreads);
+}
+
+// Null when there is no display. When the server goes away meanwhile, Xlib would end the process as
+// soon as its handler returns: it does not return, and what there is of the connection is given up.
+Display* openDisplay() {
+  Display* volatile display = nullptr;
+  opensOrCloses = opens = true;
+  if (setjmp(wayOutOfOpening) == 0) display = XOpenDisplay(nullptr);
+  opensOrCloses = opens = false;
+  return display;
 }
 
 }  // namespace
@@ -128,28 +138,23 @@ XConnection XConnection::open() {
   installXErrorHandlers();
   XConnection connection;
   auto state = std::make_unique<State>();
-  passage = Passage::kInProgress;
-  state->display = XOpenDisplay(nullptr);
-  const bool broken = passage == Passage::kBroken;
-  passage = Passage::kNone;
+  state->display = openDisplay();
   if (!state->display) return connection;
-
   connection.state_.reset(state.release());
-  if (broken) return {};
   adoptDisplay(connection.get(), noteLoss, &connection.state_->lost);
   return connection;
 }
 
 void XConnection::Closer::operator()(State* state) const {
   const std::unique_ptr<State> owned(state);
-  passage = Passage::kInProgress;
+  opensOrCloses = true;
   {
     ErrorRouting& routing = errorRouting();
     const std::lock_guard lock(routing.mutex);
     std::erase(routing.own, state->display);
   }
   XCloseDisplay(state->display);
-  passage = Passage::kNone;
+  opensOrCloses = false;
 }
 
 XDeviceList::XDeviceList(const XConnection& connection)
@@ -178,8 +183,7 @@ std::optional<Window> parentOf(const XConnection& connection, Window window) {
   return status ? std::optional(parent) : std::nullopt;
 }
 
-std::optional<CardinalProperty> readCardinal(const XConnection& connection, Window window,
-                                             Atom property) {
+CardinalProperty readCardinal(const XConnection& connection, Window window, Atom property) {
   Atom type = None;
   int format = 0;
   unsigned long count = 0, left = 0;
@@ -187,10 +191,12 @@ std::optional<CardinalProperty> readCardinal(const XConnection& connection, Wind
   const int status = XGetWindowProperty(connection.get(), window, property, 0, 1, False,
                                         XA_CARDINAL, &type, &format, &count, &left, &data);
   const XOwned<unsigned char> owned(data);
-  if (status != Success) return std::nullopt;
-  if (type != XA_CARDINAL || format != 32 || count == 0) return CardinalProperty();
-  // Xlib gives 32-bit numbers as longs, whatever the width of a long.
-  return CardinalProperty(*reinterpret_cast<const unsigned long*>(data));
+  CardinalProperty result = {.windowExists = status == Success, .value = {}};
+  if (result.windowExists && type == XA_CARDINAL && format == 32 && count > 0) {
+    // Xlib gives 32-bit numbers as longs, whatever the width of a long.
+    result.value = *reinterpret_cast<const unsigned long*>(data);
+  }
+  return result;
 }
 
 }  // namespace quorvel

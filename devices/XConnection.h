@@ -89,11 +89,12 @@ std::vector<std::string> atomNames(const XConnection& connection, std::span<cons
 // The window above `window`: `None` above a root. Nothing when the window has gone.
 std::optional<Window> parentOf(const XConnection& connection, Window window);
 
-// The first number of a window's property of type CARDINAL, empty when the window has no such
-// property. Nothing when the window has gone.
-using CardinalProperty = std::optional<unsigned long>;
-std::optional<CardinalProperty> readCardinal(const XConnection& connection, Window window,
-                                             Atom property);
+// The first number of a window's property of type CARDINAL, if the window has such a property.
+struct CardinalProperty {
+  bool windowExists;
+  std::optional<unsigned long> value;
+};
+CardinalProperty readCardinal(const XConnection& connection, Window window, Atom property);
 
 // The data that comes with a generic event, freed with this object. The event must have been taken
 // from `connection` and must outlive it.

@@ -253,6 +253,14 @@ class KeyboardFocusTest : public KeyboardTest {
  protected:
   void SetUp() override { driver_.openKeyboard(u"Scanner"); }
 
+  // A scan that is read, and looked at to its last key.
+  void expectRead() {
+    rig::countKeysLookedAt();
+    type(scanner(), "0\r");
+    EXPECT_EQ(driver_.event().data, u"0");
+    EXPECT_TRUE(rig::awaitKeysLookedAt(4));
+  }
+
   // Whether keys typed now are read. They are looked at before the focus moves on.
   bool isRead() {
     rig::countKeysLookedAt();
@@ -320,8 +328,7 @@ TEST_F(KeyboardFocusTest, TheFocusWindowItselfIsNotAsked) {
 TEST_F(KeyboardFocusTest, OnAWindowThatBecomesAnotherProcesses) {
   const Window frame = client_.openWindow();
   client_.focus(client_.openWindow(frame));
-  type(scanner(), "0\r");
-  EXPECT_EQ(driver_.event().data, u"0");
+  expectRead();
   client_.setProcess(frame, kAnotherProcess);
   EXPECT_FALSE(isRead());
 }
@@ -332,8 +339,7 @@ TEST_F(KeyboardFocusTest, OnAWindowThatMovesIntoAnotherProcesses) {
   const Window middle = client_.openWindow();
   const Window inner = client_.openWindow(middle);
   client_.focus(inner);
-  type(scanner(), "0\r");
-  EXPECT_EQ(driver_.event().data, u"0");
+  expectRead();
   XReparentWindow(client_.get(), middle, frame, 0, 0);
   client_.focus(inner);
   EXPECT_FALSE(isRead());
@@ -346,8 +352,7 @@ TEST_F(KeyboardFocusTest, OnAWindowThatClosesAndLeavesTheFocusToItsParent) {
   const Window innermost = client_.openWindow(inner);
   client_.setProcess(inner, getpid());
   client_.focus(innermost, RevertToParent);
-  type(scanner(), "0\r");
-  EXPECT_EQ(driver_.event().data, u"0");
+  expectRead();
   client_.closeWindow(innermost);
   EXPECT_FALSE(isRead());
 }

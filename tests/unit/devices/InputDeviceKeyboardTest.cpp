@@ -1,0 +1,197 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <stdexcept>
+
+#include "devices/InputDeviceKeyboard.h"
+#include "tests/common/Environment.h"
+#include "tests/system/rig/XClient.h"
+#include "tests/system/rig/XServer.h"
+#include "util/Base64.h"
+
+namespace quorvel {
+namespace {
+
+using terminal::Key;
+using terminal::strokeFor;
+using terminal::tap;
+using terminal::type;
+
+constexpr std::chrono::seconds kPatience{20};
+
+// The messages of a device, decoded.
+class Messages {
+ public:
+  DataCallback callback() {
+    return [this](const std::wstring& data) {
+      const std::lock_guard lock(mutex_);
+      messages_.push_back(base642Raw(data));
+      arrived_.notify_one();
+    };
+  }
+
+  std::wstring take() {
+    std::unique_lock lock(mutex_);
+    if (!arrived_.wait_for(lock, kPatience, [this] { return !messages_.empty(); })) {
+      throw std::runtime_error("no message came");
+    }
+    const std::wstring message = messages_.front();
+    messages_.pop_front();
+    return message;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  std::deque<std::wstring> messages_;
+};
+
+class InputDeviceKeyboardTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    server_ = std::make_unique<rig::XServer>(std::vector<std::string>{"Scanner", "Keys"});
+  }
+  static void TearDownTestSuite() { server_.reset(); }
+
+  InputDeviceKeyboardTest() { factory_.keyboardDevice = L"Scanner"; }
+
+  static terminal::VirtualKeyboard& scanner() { return server_->keyboard(0); }
+
+  static inline std::unique_ptr<rig::XServer> server_;
+  const ScopedVariable display_{"DISPLAY", server_->display()};
+  InputDeviceKeyboardFactory factory_;
+  Messages messages_;
+};
+
+TEST_F(InputDeviceKeyboardTest, DeliversTheBytesBeforeTheEnd) {
+  const auto device = factory_.create(messages_.callback());
+  ASSERT_TRUE(device);
+  type(scanner(), "123\r");
+  EXPECT_EQ(messages_.take(), L"123");
+}
+
+TEST_F(InputDeviceKeyboardTest, ListeningOnlyKeepsTheEndByte) {
+  factory_.listenOnly = true;
+  const auto device = factory_.create(messages_.callback());
+  ASSERT_TRUE(device);
+  type(scanner(), "123\r");
+  EXPECT_EQ(messages_.take(), L"123\r");
+}
+
+TEST_F(InputDeviceKeyboardTest, ListeningOnlyNamesTheKeysWithoutAText) {
+  factory_.listenOnly = true;
+  const auto device = factory_.create(messages_.callback());
+  ASSERT_TRUE(device);
+  for (const Key key : {Key::kF1, Key::kF8, Key::kInsert, Key::kDelete, Key::kPageUp,
+                        Key::kRightAlt, Key::kKeypadEnter}) {
+    tap(scanner(), key);
+  }
+  type(scanner(), "\r");
+  EXPECT_EQ(messages_.take(), L"'F1'\x1D'INSERT''DELETE''PgUp''RIGHT_ALT''CR(Numpad)'\r");
+}
+
+TEST_F(InputDeviceKeyboardTest, ListeningOnlyLeavesTheKeysToEveryone) {
+  factory_.listenOnly = true;
+  Messages others;
+  const auto device = factory_.create(messages_.callback());
+  const auto other = factory_.create(others.callback());
+  ASSERT_TRUE(device && other);
+  rig::XClient client(server_->display());
+  const Window window = client.openWindow();
+  client.focus(window);
+  type(scanner(), "1\r");
+  EXPECT_EQ(messages_.take(), L"1\r");
+  EXPECT_EQ(others.take(), L"1\r");
+  EXPECT_EQ(client.takeKey(kPatience), strokeFor('1')->key);
+  EXPECT_EQ(client.takeKey(kPatience), Key::kReturn);
+  client.focus(PointerRoot);
+}
+
+TEST_F(InputDeviceKeyboardTest, ListeningOnlyDoesNotDisturbAGrab) {
+  const auto grabbing = factory_.create(messages_.callback());
+  factory_.listenOnly = true;
+  Messages others;
+  auto listening = factory_.create(others.callback());
+  ASSERT_TRUE(grabbing && listening);
+  listening.reset();
+  type(scanner(), "1\r");
+  EXPECT_EQ(messages_.take(), L"1");
+  factory_.listenOnly = false;
+  EXPECT_FALSE(factory_.create(others.callback()));
+}
+
+struct Suffix {
+  std::wstring suffix;
+  const char* typed;
+  const wchar_t* message;
+};
+
+class KeyboardSuffixTest : public InputDeviceKeyboardTest,
+                           public testing::WithParamInterface<Suffix> {};
+
+TEST_P(KeyboardSuffixTest, TheLastByteEndsAMessage) {
+  factory_.suffix = GetParam().suffix;
+  const auto device = factory_.create(messages_.callback());
+  ASSERT_TRUE(device);
+  type(scanner(), GetParam().typed);
+  EXPECT_EQ(messages_.take(), GetParam().message);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Suffixes, KeyboardSuffixTest,
+    testing::Values(Suffix{L"", "1\r", L"1"}, Suffix{L"\r", "1\r", L"1"},
+                    Suffix{L"#", "1\r#", L"1\r"}, Suffix{L"##", "1#", L"1"},
+                    // No more than ten bytes of a suffix are looked at.
+                    Suffix{L"0123456789#", "1#9", L"1#"},
+                    // Nothing that the host's encoding can say leaves the carriage return.
+                    Suffix{L"\x0416", "1\r", L"1"}));
+
+TEST_F(InputDeviceKeyboardTest, OfTheNamesCharactersTheLowByteCounts) {
+  factory_.keyboardDevice =
+      L"\x0153"
+      L"canner";
+  EXPECT_TRUE(factory_.create(messages_.callback()));
+}
+
+TEST_F(InputDeviceKeyboardTest, TheNameEndsAtAZero) {
+  factory_.keyboardDevice = std::wstring(L"Scanner\0more", 12);
+  EXPECT_TRUE(factory_.create(messages_.callback()));
+}
+
+TEST_F(InputDeviceKeyboardTest, WhatTheReceiverThrowsLosesOneMessage) {
+  const DataCallback deliver = messages_.callback();
+  bool thrown = false;
+  const auto device = factory_.create([&](const std::wstring& data) {
+    if (!std::exchange(thrown, true)) throw std::runtime_error("the host is not ready");
+    deliver(data);
+  });
+  ASSERT_TRUE(device);
+  type(scanner(), "1\r2\r");
+  EXPECT_EQ(messages_.take(), L"2");
+}
+
+TEST_F(InputDeviceKeyboardTest, WithoutAReceiverKeysAreReadAndLost) {
+  const auto device = factory_.create(DataCallback());
+  ASSERT_TRUE(device);
+  type(scanner(), "1\r");
+}
+
+TEST_F(InputDeviceKeyboardTest, ADeviceThatCannotBeOpenedIsNone) {
+  factory_.keyboardDevice = L"No such scanner";
+  EXPECT_FALSE(factory_.create(messages_.callback()));
+  factory_.keyboardDevice = L"";
+  EXPECT_FALSE(factory_.create(messages_.callback()));
+  const ScopedVariable display("DISPLAY", std::nullopt);
+  factory_.keyboardDevice = L"Scanner";
+  EXPECT_FALSE(factory_.create(messages_.callback()));
+}
+
+TEST_F(InputDeviceKeyboardTest, MayBeDestroyedAtOnce) {
+  for (int i = 0; i < 50; ++i) EXPECT_TRUE(factory_.create(messages_.callback()));
+}
+
+}  // namespace
+}  // namespace quorvel

@@ -1,0 +1,182 @@
+#include <X11/Xatom.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "devices/XConnection.h"
+#include "tests/common/Environment.h"
+#include "tests/system/rig/XServer.h"
+#include "tests/unit/support/BrokenXServer.h"
+
+namespace quorvel {
+namespace {
+
+constexpr Window kNoWindow = 1;
+
+// Handlers as a host or a toolkit has them.
+int hostErrors = 0;
+int toolkitErrors = 0;
+XErrorHandler belowToolkit = nullptr;
+
+int countHostError(Display*, XErrorEvent*) { return ++hostErrors; }
+
+int countToolkitError(Display* display, XErrorEvent* error) {
+  ++toolkitErrors;
+  return belowToolkit(display, error);
+}
+
+class XConnectionTest : public testing::Test {
+ protected:
+  XConnectionTest() : before_(XSetErrorHandler(countHostError)) {
+    hostErrors = toolkitErrors = 0;
+    belowToolkit = nullptr;
+  }
+  ~XConnectionTest() override { XSetErrorHandler(before_); }
+
+  // An error on a display that is not the driver's.
+  void raiseForeignError() {
+    Display* const display = XOpenDisplay(nullptr);
+    XDestroyWindow(display, kNoWindow);
+    XCloseDisplay(display);
+  }
+
+  rig::XServer server_{{"Scanner"}};
+  const ScopedVariable display_{"DISPLAY", server_.display()};
+  const XErrorHandler before_;
+};
+
+TEST(XConnectionWithoutServer, IsEmpty) {
+  const ScopedVariable display("DISPLAY", std::nullopt);
+  const XConnection connection = XConnection::open();
+  EXPECT_FALSE(connection);
+  EXPECT_EQ(connection.get(), nullptr);
+  EXPECT_TRUE(connection.lost());
+}
+
+TEST(XConnectionWithoutServer, IsEmptyWhenTheServerBreaksOffWhileItIsOpened) {
+  const test::BrokenXServer server;
+  const ScopedVariable display("DISPLAY", server.display());
+  EXPECT_FALSE(XConnection::open());
+}
+
+TEST_F(XConnectionTest, SwallowsItsOwnErrors) {
+  const XConnection connection = XConnection::open();
+  ASSERT_TRUE(connection);
+  EXPECT_EQ(parentOf(connection, kNoWindow), std::nullopt);
+  EXPECT_FALSE(readCardinal(connection, kNoWindow, XA_CARDINAL).windowExists);
+  EXPECT_EQ(hostErrors, 0);
+  EXPECT_FALSE(connection.lost());
+}
+
+TEST_F(XConnectionTest, PassesOnTheErrorsOfOthers) {
+  const XConnection connection = XConnection::open();
+  raiseForeignError();
+  EXPECT_EQ(hostErrors, 1);
+}
+
+TEST_F(XConnectionTest, PutsItsHandlersOnTopAtEachOpening) {
+  const XConnection first = XConnection::open();
+  belowToolkit = XSetErrorHandler(countToolkitError);
+  const XConnection second = XConnection::open();
+  parentOf(first, kNoWindow);
+  parentOf(second, kNoWindow);
+  EXPECT_EQ(toolkitErrors, 0);
+}
+
+TEST_F(XConnectionTest, AsksEachHandlerOnceWhenHandlersReferToEachOther) {
+  const XConnection connection = XConnection::open();
+  belowToolkit = XSetErrorHandler(countToolkitError);
+  installXErrorHandlers();
+  installXErrorHandlers();
+  raiseForeignError();
+  EXPECT_EQ(toolkitErrors, 1);
+  EXPECT_EQ(hostErrors, 1);
+}
+
+TEST_F(XConnectionTest, ComesBackOnTopAfterAToolkitThatTookItsHandlerOff) {
+  const XConnection connection = XConnection::open();
+  for (int i = 0; i < 3; ++i) {
+    belowToolkit = XSetErrorHandler(countToolkitError);
+    installXErrorHandlers();
+    XSetErrorHandler(belowToolkit);
+  }
+  raiseForeignError();
+  EXPECT_EQ(hostErrors, 1);
+}
+
+TEST_F(XConnectionTest, IsLostWhenTheServerDiesAndCanBeClosedOnAnyThread) {
+  XConnection connection = XConnection::open();
+  server_.kill();
+  std::thread([&] {
+    EXPECT_EQ(parentOf(connection, kNoWindow), std::nullopt);
+    EXPECT_TRUE(connection.lost());
+  }).join();
+  EXPECT_EQ(parentOf(connection, kNoWindow), std::nullopt);
+  connection = XConnection();
+}
+
+TEST_F(XConnectionTest, MayBeClosedWithoutHavingNoticedThatTheServerDied) {
+  XConnection connection = XConnection::open();
+  server_.kill();
+  connection = XConnection();
+}
+
+TEST_F(XConnectionTest, SeveralThreadsMayOpenAndClose) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int round = 0; round < 20; ++round) {
+        const XConnection connection = XConnection::open();
+        EXPECT_TRUE(connection);
+        parentOf(connection, kNoWindow);
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(hostErrors, 0);
+}
+
+TEST_F(XConnectionTest, NamesSeveralAtomsAtOnce) {
+  const XConnection connection = XConnection::open();
+  constexpr Atom kUnknown = 0xFFFFF;
+  const Atom atoms[] = {XA_CARDINAL, kUnknown, XA_WM_NAME};
+  EXPECT_EQ(atomNames(connection, atoms), (std::vector<std::string>{"CARDINAL", "", "WM_NAME"}));
+  EXPECT_TRUE(atomNames(connection, {}).empty());
+}
+
+TEST_F(XConnectionTest, ReadsACardinalAndNothingElse) {
+  const XConnection connection = XConnection::open();
+  Display* const display = connection.get();
+  const Window root = DefaultRootWindow(display);
+  const Atom property = XInternAtom(display, "NUMBER", False);
+  const auto read = [&] {
+    const CardinalProperty result = readCardinal(connection, root, property);
+    EXPECT_TRUE(result.windowExists);
+    return result.value;
+  };
+  const auto write = [&](Atom type, int format, int count) {
+    const long number = 4711;
+    XChangeProperty(display, root, property, type, format, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(&number), count);
+  };
+  EXPECT_EQ(read(), std::nullopt);
+  write(XA_CARDINAL, 32, 1);
+  EXPECT_EQ(read(), 4711UL);
+  write(XA_CARDINAL, 8, 4);
+  EXPECT_EQ(read(), std::nullopt);
+  write(XA_STRING, 8, 4);
+  EXPECT_EQ(read(), std::nullopt);
+  write(XA_CARDINAL, 32, 0);
+  EXPECT_EQ(read(), std::nullopt);
+}
+
+TEST_F(XConnectionTest, FindsTheWindowAbove) {
+  const XConnection connection = XConnection::open();
+  const Window root = DefaultRootWindow(connection.get());
+  const Window window = XCreateSimpleWindow(connection.get(), root, 0, 0, 1, 1, 0, 0, 0);
+  EXPECT_EQ(parentOf(connection, window), root);
+  EXPECT_EQ(parentOf(connection, root), Window(None));
+}
+
+}  // namespace
+}  // namespace quorvel
