@@ -1,0 +1,118 @@
+// Takes the pictures of the test window for the documentation: one in each language, with rows of
+// all kinds of devices. Run in a private /dev, as the tests are, with the folder for the pictures.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <stdexcept>
+
+#include "tests/system/rig/Program.h"
+#include "tests/system/rig/TestWindow.h"
+#include "tests/system/rig/XServer.h"
+
+namespace {
+
+struct PixbufUnref {
+  void operator()(GdkPixbuf* picture) const { g_object_unref(picture); }
+};
+using Picture = std::unique_ptr<GdkPixbuf, PixbufUnref>;
+
+// The window as it is on the screen now, with the frame that the window manager gives it.
+Picture grab(const rig::TestWindow& window) {
+  GdkRectangle frame;
+  gdk_window_get_frame_extents(gtk_widget_get_window(GTK_WIDGET(window.dialog())), &frame);
+  return Picture(gdk_pixbuf_get_from_drawable(nullptr, gdk_get_default_root_window(), nullptr,
+                                              frame.x, frame.y, 0, 0, frame.width, frame.height));
+}
+
+bool areEqual(GdkPixbuf* one, GdkPixbuf* other) {
+  return gdk_pixbuf_get_byte_length(one) == gdk_pixbuf_get_byte_length(other) &&
+         std::equal(gdk_pixbuf_read_pixels(one),
+                    gdk_pixbuf_read_pixels(one) + gdk_pixbuf_get_byte_length(one),
+                    gdk_pixbuf_read_pixels(other));
+}
+
+// The window when it and its frame have been drawn: when nothing changes any more.
+Picture grabAtRest(const rig::TestWindow& window) {
+  constexpr int kSame = 5;
+  Picture picture = grab(window);
+  for (int same = 0; same < kSame;) {
+    bool over = false;
+    g_timeout_add(
+        100,
+        [](gpointer moment) -> gboolean {
+          *static_cast<bool*>(moment) = true;
+          return G_SOURCE_REMOVE;
+        },
+        &over);
+    window.await("a moment", [&] { return over; });
+    Picture next = grab(window);
+    same = areEqual(picture.get(), next.get()) ? same + 1 : 0;
+    picture = std::move(next);
+  }
+  return picture;
+}
+
+void takePicture(rig::XServer& server, const std::string& library, const std::string& file) {
+  setenv("DISPLAY", server.display().c_str(), 1);
+  const rig::Program manager({"matchbox-window-manager", "-use_titlebar", "yes"});
+  const auto com = rig::scannerAt("/dev/ttyS0");
+  const auto acm = rig::scannerAt("/dev/ttyACM0");
+  const auto usb = rig::scannerAt("/dev/ttyUSB0");
+  terminal::ComponentLibrary component(library);
+  terminal::Component driver(component, u"InputDevice");
+  rig::visitWindow(driver, [&](rig::TestWindow& window) {
+    std::size_t rows = 0;
+    const auto scan = [&](auto&& send) {
+      send();
+      window.awaitRows(++rows);
+    };
+    scan([&] { com->send("4600051000057\r"); });
+    scan([&] {
+      acm->send(
+          "]C1010460005100005710ABC123\x1D"
+          "21A7\r");
+    });
+    scan([&] { usb->send(";4000001234567899=30121010000000000000?\r"); });
+    scan([&] { terminal::type(server.keyboard(0), "9785170983551\r"); });
+    scan([&] { acm->send("Привет, Quorvel!\r"); });
+    window.select(2);
+    const Picture picture = grabAtRest(window);
+    GError* error = nullptr;
+    if (!gdk_pixbuf_save(picture.get(), file.c_str(), "png", &error, "compression", "9", nullptr)) {
+      throw std::runtime_error(error->message);
+    }
+  });
+}
+
+// In a process of its own: a process starts in one language and stays in it.
+void takePictureAlone(rig::XServer& server, const std::string& library, const std::string& file) {
+  const pid_t child = fork();
+  if (child == 0) {
+    try {
+      takePicture(server, library, file);
+    } catch (const std::exception& error) {
+      std::cerr << error.what() << std::endl;
+      _exit(EXIT_FAILURE);
+    }
+    _exit(EXIT_SUCCESS);
+  }
+  int status = EXIT_FAILURE;
+  waitpid(child, &status, 0);
+  if (status != EXIT_SUCCESS) throw std::runtime_error("no picture " + file);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::cerr << "usage: take_screenshots FOLDER\n";
+    return 2;
+  }
+  const std::string folder = argv[1];
+  rig::XServer server({"Handheld Scanner"});
+  server.keyboard(0);
+  takePictureAlone(server, rig::libraryPath(), folder + "/test-window-ru.png");
+  takePictureAlone(server, rig::englishLibraryPath(), folder + "/test-window-en.png");
+}
