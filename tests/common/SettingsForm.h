@@ -1,6 +1,9 @@
 // The settings form that the driver is expected to give, from the documents in tests/data.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -27,6 +30,19 @@ inline std::string settingsForm(const std::string& language, std::string_view po
   fill(document, "@PORTS@", portItems);
   fill(document, "@KEYBOARDS@", keyboardItems);
   return document;
+}
+
+// Whether two documents are equal byte for byte; if not, where they part: they are too long to be
+// shown whole.
+inline testing::AssertionResult areSame(const std::string& document, const std::string& other) {
+  if (document == other) return testing::AssertionSuccess();
+  const auto parting =
+      std::mismatch(document.begin(), document.end(), other.begin(), other.end()).first;
+  const auto at = static_cast<std::size_t>(parting - document.begin());
+  const std::size_t start = document.rfind('<', at) == document.npos ? 0 : document.rfind('<', at);
+  return testing::AssertionFailure()
+         << "at byte " << at << " there is\n  " << document.substr(start, 120)
+         << "\nand in the other\n  " << other.substr(start, 120);
 }
 
 }  // namespace expected

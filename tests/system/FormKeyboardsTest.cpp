@@ -61,9 +61,10 @@ Names listedByXinput() {
 
 TEST(FormKeyboards, NamesLoseWhatXmlCannotCarry) {
   Desktop desktop({"AT&T Scanner <B>", "O'Neill", "Сканер 2", "Plain"});
-  EXPECT_EQ(desktop.document(), expected::settingsForm("ru", "",
-                                                       item("AT T Scanner  B ") + item("O Neill") +
-                                                           item("             2") + item("Plain")));
+  EXPECT_TRUE(expected::areSame(
+      desktop.document(), expected::settingsForm("ru", "",
+                                                 item("AT T Scanner  B ") + item("O Neill") +
+                                                     item("             2") + item("Plain"))));
 }
 
 TEST(FormKeyboards, TwoOfOneNameAreListedTwiceInTheServersOrder) {
@@ -88,7 +89,7 @@ TEST(FormKeyboards, AServerThatHasEndedLeavesTheRestOfTheForm) {
   Desktop desktop({"Scanner"});
   EXPECT_THAT(desktop.listed(), ElementsAre("Scanner"));
   desktop.server.kill();
-  EXPECT_EQ(desktop.document(), expected::settingsForm("ru", "", ""));
+  EXPECT_TRUE(expected::areSame(desktop.document(), expected::settingsForm("ru", "", "")));
 }
 
 TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
@@ -102,7 +103,8 @@ TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
 TEST(FormKeyboards, InEnglishAndWellFormed) {
   Desktop desktop({"AT&T Scanner <B>"});
   const std::string document = rig::englishForm();
-  EXPECT_EQ(document, expected::settingsForm("en", "", item("AT T Scanner  B ")) + "\n");
+  EXPECT_TRUE(expected::areSame(document,
+                                expected::settingsForm("en", "", item("AT T Scanner  B ")) + "\n"));
   EXPECT_TRUE(rig::isWellFormed(document));
 }
 
