@@ -3,9 +3,11 @@
 #include <X11/XKBlib.h>
 #include <X11/keysym.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 #include "devices/KeyboardList.h"
@@ -17,7 +19,6 @@
 namespace quorvel {
 namespace {
 
-constexpr int kRestMilliseconds = 1;
 constexpr char kGroupSeparatorByte = 29;
 
 // The last byte of the suffix in the host's encoding.
@@ -51,6 +52,7 @@ int findDevice(const XConnection& connection, const std::string& name) {
 
 InputDeviceKeyboard::~InputDeviceKeyboard() {
   running_ = false;
+  if (stop_) eventfd_write(stop_.get(), 1);
   thread_.join();
 }
 
@@ -61,6 +63,8 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
   if (!connect()) return false;
   deviceId_ = findDevice(connection_, lowBytes(factory.keyboardDevice));
   if (deviceId_ == -1 || !subscribe() || connection_.lost()) return false;
+  stop_ = FileDescriptor(eventfd(0, EFD_CLOEXEC));
+  if (!stop_) return false;
   running_ = true;
   return thread_.start(ThreadFunction, this);
 }
@@ -125,9 +129,11 @@ void InputDeviceKeyboard::ReadThread() noexcept {
 }
 
 void InputDeviceKeyboard::waitForInput() const {
-  pollfd connection{.fd = ConnectionNumber(connection_.get()), .events = POLLIN, .revents = 0};
-  while (running_ && poll(&connection, 1, kRestMilliseconds) == 0) {
-  }
+  // Without a limit of time: to look at the flag every millisecond would cost more than a hundredth
+  // of a core for as long as the host runs.
+  pollfd waits[] = {{.fd = ConnectionNumber(connection_.get()), .events = POLLIN, .revents = 0},
+                    {.fd = stop_.get(), .events = POLLIN, .revents = 0}};
+  poll(waits, std::size(waits), -1);
 }
 
 void InputDeviceKeyboard::takeNextEvent() {

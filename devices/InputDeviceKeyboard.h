@@ -12,6 +12,7 @@
 #include "devices/InputDeviceFactories.h"
 #include "devices/ReaderThread.h"
 #include "devices/XConnection.h"
+#include "util/Handles.h"
 
 namespace quorvel {
 
@@ -48,6 +49,7 @@ class InputDeviceKeyboard : public InputDevice {
 
   ReaderThread thread_;
   std::atomic<bool> running_ = false;
+  FileDescriptor stop_;  // readable when the reader is to look at the flag
   char endByte_ = '\r';
   unsigned long groupSeparator_ = 0;  // keysym; 0 is no key
   XConnection connection_;
