@@ -1,21 +1,13 @@
 // What scanned bytes are turned into, and back.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz/Require.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
 #include "util/HumanReadable.h"
 #include "util/SymbolNames.h"
 #include "util/Text.h"
-
-namespace {
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace quorvel;
