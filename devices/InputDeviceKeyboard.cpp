@@ -92,7 +92,7 @@ bool InputDeviceKeyboard::subscribe() {
   Display* const display = connection_.get();
   if (listenOnly_) {
     const bool selected = XISelectEvents(display, root_, &mask, 1) == Success;
-    // The server is not asked to answer: without this, keys would be missed for a moment.
+    // Listening begins when the server has taken the request, and not when it is sent.
     XSync(display, False);
     return selected;
   }
@@ -125,7 +125,11 @@ void InputDeviceKeyboard::ReadThread() noexcept {
     }
   }
   ungrab();
-  log(std::string(115, '-'));
+  try {
+    log(std::string(115, '-'));
+  } catch (...) {
+    // A reader that cannot write its last line has ended all the same.
+  }
 }
 
 void InputDeviceKeyboard::waitForInput() const {
