@@ -1,8 +1,9 @@
 #include "tests/system/rig/Driver.h"
 
+#include <malloc.h>
+
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 #include "tools/HostText.h"
@@ -56,12 +57,6 @@ terminal::Event Driver::event() {
 std::size_t threadCount() { return entriesOf("/proc/self/task"); }
 std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
 
-std::size_t dataKilobytes() {
-  std::ifstream status("/proc/self/status");
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmData:")) return std::stoul(line.substr(7));
-  }
-  throw std::runtime_error("no VmData in /proc/self/status");
-}
+std::size_t heapBytes() { return mallinfo2().uordblks; }
 
 }  // namespace rig

@@ -39,7 +39,8 @@ struct Driver {
 std::size_t threadCount();
 std::size_t descriptorCount();
 
-// The size of this process's writable memory. It grows by a leak, and by what libraries keep.
-std::size_t dataKilobytes();
+// Bytes that this process has allocated and not freed; none under a sanitizer, which finds leaks
+// itself.
+std::size_t heapBytes();
 
 }  // namespace rig
