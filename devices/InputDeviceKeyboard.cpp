@@ -24,6 +24,7 @@ constexpr char kGroupSeparatorByte = 29;
 // The last byte of the suffix in the host's encoding.
 char endByteOf(const std::wstring& suffix, char otherwise) {
   char bytes[10];
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the C library of Linux keeps no state here
   const std::size_t count = std::wcstombs(bytes, suffix.c_str(), sizeof(bytes));
   return count == 0 || count == static_cast<std::size_t>(-1) ? otherwise : bytes[count - 1];
 }

@@ -36,7 +36,7 @@ void printMethods(Component& component) {
   IComponentBase& object = component.object();
   const auto nameOf = [&](long number, long language) {
     void* block = const_cast<WCHAR_T*>(object.GetMethodName(number, language));
-    const std::u16string name = copyOf(static_cast<const WCHAR_T*>(block));
+    std::u16string name = copyOf(static_cast<const WCHAR_T*>(block));
     component.memory().FreeMemory(&block);
     return name;
   };
