@@ -44,7 +44,7 @@ class StrangePort {
 
 TEST(SerialFaults, TheReaderOfADeadPortRestsAndCanBeClosed) {
   SerialDriver driver;
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
   const StrangePort folder(130);
   std::filesystem::create_directory(folder.path());
@@ -80,7 +80,7 @@ TEST(SerialFaults, TheReaderOfADeadPortRestsAndCanBeClosed) {
   driver.component.setParameter(u"Suffix", 13);
   expectScan(driver, alive, driver.open(133));
   driver.closeAll();
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors + 1);  // of the line that is still plugged in
 }
 

@@ -9,6 +9,7 @@
 
 #include "tests/system/rig/OwnProcess.h"
 #include "tests/system/rig/SerialDriver.h"
+#include "tests/system/rig/Threads.h"
 
 namespace {
 
@@ -67,12 +68,12 @@ TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
   SerialLine& line = driver.plugIn(kUsb1);
   // What the C library keeps for the next time is there after the first ones.
   for (int i = 0; i < 20; ++i) scanOnce(driver, line);
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
   const std::size_t memory = allocated();
   constexpr std::size_t kOpenings = 200;
   for (std::size_t i = 0; i < kOpenings; ++i) scanOnce(driver, line);
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
   // The smallest block that each of them could leave behind.
   EXPECT_LT(allocated(), memory + kOpenings * 16);
@@ -84,7 +85,7 @@ TEST(SerialLife, DestroyingAComponentClosesItsDevices) {
   for (std::int32_t port = kUsb1; port < kUsb1 + 3; ++port) {
     lines.emplace_back(LineSetting::kFramed).link(rig::portPath(port));
   }
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
   {
     rig::Driver driver;
@@ -93,19 +94,19 @@ TEST(SerialLife, DestroyingAComponentClosesItsDevices) {
     EXPECT_EQ(driver.event().source, u"InputDevice#3");
     EXPECT_EQ(rig::threadCount(), threads + 3);
   }
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
 }
 
 TEST(SerialLife, StartingAComponentAnewClosesItsDevices) {
   SerialDriver driver;
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   openPorts(driver, 1);
   {
     const rig::Waking waking({&driver.lines[0]});
     EXPECT_TRUE(driver.component.object().Init(&driver.component.connection()));
   }
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
   EXPECT_FALSE(driver.component.close(u"InputDevice#1"));
   // The openings go on being counted.
   EXPECT_EQ(driver.open(kUsb1), u"InputDevice#2");
@@ -113,7 +114,7 @@ TEST(SerialLife, StartingAComponentAnewClosesItsDevices) {
 
 TEST(SerialLife, ClosingWhileScansArrive) {
   SerialDriver driver;
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   for (int round = 0; round < 20; ++round) {
     driver.lines.clear();
     openPorts(driver, 2);
@@ -123,7 +124,7 @@ TEST(SerialLife, ClosingWhileScansArrive) {
     while (driver.component.events().take(std::chrono::milliseconds(0))) {
     }
   }
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
 }
 
 TEST(SerialLife, AHostThatExitsWhileScansArriveEndsInPeace) {

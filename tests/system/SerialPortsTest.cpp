@@ -207,12 +207,12 @@ class WithoutPrivilege {
 
 void expectRefused(std::int32_t port) {
   SerialDriver driver;
-  const std::size_t threads = rig::threadCount();
+  const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
   driver.component.setParameter(u"Port", port);
   EXPECT_EQ(driver.component.open(), std::nullopt);
   EXPECT_EQ(driver.component.lastError(), u"Ошибка подключения. Проверьте доступность устройства.");
-  EXPECT_EQ(rig::threadCount(), threads);
+  rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
   // A refused opening counts.
   driver.plugIn(200);

@@ -1,5 +1,7 @@
 #include "tests/system/rig/Threads.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -45,6 +47,7 @@ std::set<pid_t> threads() {
 }
 
 pid_t threadAddedBy(const std::function<void()>& action) {
+  settledThreadCount();
   const std::set<pid_t> before = threads();
   action();
   const std::set<pid_t> after = threads();
@@ -53,6 +56,18 @@ pid_t threadAddedBy(const std::function<void()>& action) {
                       std::back_inserter(added));
   if (added.size() != 1) throw std::runtime_error(std::to_string(added.size()) + " threads added");
   return added.front();
+}
+
+std::size_t settledThreadCount() {
+  // With the first thread, a sanitizer starts one of its own.
+  pid_t ended = 0;
+  std::thread([&ended] { ended = gettid(); }).join();
+  await("the end of a thread", [ended] { return !threads().contains(ended); });
+  return threadCount();
+}
+
+void awaitThreadCount(std::size_t count) {
+  await("the end of threads", [count] { return threadCount() <= count; });
 }
 
 std::chrono::nanoseconds processorTime(pid_t thread) {

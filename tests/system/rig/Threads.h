@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <set>
 
@@ -13,6 +14,11 @@ std::set<pid_t> threads();
 
 // The thread that `action` has added. Throws when it has not added exactly one.
 pid_t threadAddedBy(const std::function<void()>& action);
+
+// How many threads this process has. One that was joined is listed for a moment longer: this waits
+// for the moment to pass, and then until there are no more than `count`.
+std::size_t settledThreadCount();
+void awaitThreadCount(std::size_t count);
 
 // The processor time that the thread has used.
 std::chrono::nanoseconds processorTime(pid_t thread);
