@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
+#include <future>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -48,14 +50,15 @@ Clock::time_point nextReturnOf(Display* display) {
 }
 
 // Types a scan whose end key comes when everything before it has been read, and returns how long
-// the end key took to arrive.
-template <typename Arrival>
-double endKeyMicroseconds(terminal::VirtualKeyboard& keyboard, const Arrival& arrival) {
+// the end key took to arrive. It is waited for on another thread, which sleeps by then.
+double endKeyMicroseconds(terminal::VirtualKeyboard& keyboard,
+                          const std::function<Clock::time_point()>& awaitArrival) {
+  std::future<Clock::time_point> arrival = std::async(std::launch::async, awaitArrival);
   terminal::type(keyboard, "4600051000057");
   std::this_thread::sleep_for(std::chrono::milliseconds(3));
   const Clock::time_point pressed = Clock::now();
   keyboard.press(Key::kReturn);
-  const double time = Microseconds(arrival() - pressed).count();
+  const double time = Microseconds(arrival.get() - pressed).count();
   keyboard.release(Key::kReturn);
   return time;
 }
