@@ -197,8 +197,11 @@ TEST(SerialFaults, AHostThatThrows) {
 // The readers are not to take the signals that are meant for the host's threads.
 TEST(SerialFaults, ReadersLeaveSignalsToTheHost) {
   SerialDriver driver;
-  driver.plugIn(kUsb1);
-  const pid_t reader = rig::threadAddedBy([&] { driver.open(kUsb1); });
+  SerialLine& line = driver.plugIn(kUsb1);
+  std::u16string id;
+  const pid_t reader = rig::threadAddedBy([&] { id = driver.open(kUsb1); });
+  // While a thread starts, the C library blocks everything in it.
+  expectScan(driver, line, id);
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGCHLD, SIGUSR1, SIGALRM, SIGRTMIN}) {
     EXPECT_TRUE(rig::blocks(reader, signal)) << signal;
   }
