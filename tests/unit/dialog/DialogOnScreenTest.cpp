@@ -4,7 +4,9 @@
 
 #include <thread>
 
+#include "devices/XConnection.h"
 #include "dialog/DevTestDialogLinux.h"
+#include "dialog/Gtk.h"
 #include "tests/system/rig/OwnProcess.h"
 #include "tests/system/rig/SharedXServer.h"
 #include "tests/system/rig/TestWindow.h"
@@ -74,6 +76,18 @@ TEST(DialogOnScreen, DropsWhatComesAfterTheWindow) {
     while (g_main_context_iteration(nullptr, FALSE)) continue;
     dialog.OnInput(L"COM1", L"late");
     EXPECT_FALSE(g_main_context_pending(nullptr));
+  });
+}
+
+// GTK's own handlers end the process.
+TEST(Gtk, IsPreparedBelowTheErrorHandlersOfTheDriver) {
+  inOwnProcess([] {
+    installXErrorHandlers();
+    const XErrorHandler protocol = XSetErrorHandler(nullptr);
+    const XIOErrorHandler connection = XSetIOErrorHandler(nullptr);
+    ASSERT_TRUE(prepareGtk([] {}));
+    EXPECT_EQ(XSetErrorHandler(nullptr), protocol);
+    EXPECT_EQ(XSetIOErrorHandler(nullptr), connection);
   });
 }
 
