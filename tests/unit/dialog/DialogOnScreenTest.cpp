@@ -20,6 +20,13 @@ using rig::Row;
 using rig::TestWindow;
 using testing::ElementsAre;
 
+class DialogOnScreen : public testing::Test {
+ protected:
+  // To name the server of all tests is what starts it.
+  const rig::XServer& server_ = rig::sharedXServer();
+};
+using Gtk = DialogOnScreen;
+
 std::vector<Row> rowsOfOneScan(unsigned dataType) {
   std::vector<Row> rows;
   const auto scanner = rig::scannerAt("/dev/ttyACM0");
@@ -34,7 +41,7 @@ std::vector<Row> rowsOfOneScan(unsigned dataType) {
   return rows;
 }
 
-TEST(DialogOnScreen, ListsScansInEachDataType) {
+TEST_F(DialogOnScreen, ListsScansInEachDataType) {
   inOwnProcess([] {
     EXPECT_THAT(rowsOfOneScan(kText), ElementsAre(Row{"ACM1:", "123 'CR' "}));
     EXPECT_THAT(rowsOfOneScan(kHumanReadable), ElementsAre(Row{"ACM1:", "123(013)"}));
@@ -43,7 +50,7 @@ TEST(DialogOnScreen, ListsScansInEachDataType) {
 }
 
 // From eight readers at once, none of which waits for its rows to be shown.
-TEST(DialogOnScreen, ListsAFloodInOrderPerSource) {
+TEST_F(DialogOnScreen, ListsAFloodInOrderPerSource) {
   inOwnProcess([] {
     constexpr int kSources = 8;
     constexpr int kMessages = 250;
@@ -67,7 +74,7 @@ TEST(DialogOnScreen, ListsAFloodInOrderPerSource) {
   });
 }
 
-TEST(DialogOnScreen, DropsWhatComesAfterTheWindow) {
+TEST_F(DialogOnScreen, DropsWhatComesAfterTheWindow) {
   inOwnProcess([] {
     DevTestDialogLinux dialog({}, {}, false, kBase64);
     rig::whileTestWindowIsOpen([&] { dialog.ShowDlg(); }, [](TestWindow&) {});
@@ -80,7 +87,7 @@ TEST(DialogOnScreen, DropsWhatComesAfterTheWindow) {
 }
 
 // GTK's own handlers end the process.
-TEST(Gtk, IsPreparedBelowTheErrorHandlersOfTheDriver) {
+TEST_F(Gtk, IsPreparedBelowTheErrorHandlersOfTheDriver) {
   inOwnProcess([] {
     installXErrorHandlers();
     const XErrorHandler protocol = XSetErrorHandler(nullptr);
