@@ -1,0 +1,30 @@
+// The registry with a device that really opens.
+#include <gtest/gtest.h>
+
+#include "tests/system/rig/Driver.h"
+#include "tests/unit/performer/OpenPerformer.h"
+#include "tools/SerialLine.h"
+
+namespace quorvel {
+namespace {
+
+TEST(OpenDevice, AnIdentifierThatIsOpenKeepsItsDevice) {
+  terminal::SerialLine line(terminal::LineSetting::kFramed);
+  line.link("/dev/ttyUSB0");
+  test::OpenPerformer performer;
+  performer.comPortFactory_.port = 129;
+  const std::size_t descriptors = rig::descriptorCount();
+
+  ASSERT_TRUE(performer.OpenDevice(L"A"));
+  const InputDevice* const first = performer.devices_.at(L"A").get();
+  EXPECT_EQ(rig::descriptorCount(), descriptors + 1);
+
+  EXPECT_TRUE(performer.OpenDevice(L"A"));
+  EXPECT_EQ(performer.devices_.size(), 1U);
+  EXPECT_EQ(performer.devices_.at(L"A").get(), first);
+  // The second device is closed by the time the call returns.
+  EXPECT_EQ(rig::descriptorCount(), descriptors + 1);
+}
+
+}  // namespace
+}  // namespace quorvel
