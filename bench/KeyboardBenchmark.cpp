@@ -11,12 +11,12 @@
 #include <thread>
 #include <vector>
 
-#include "tests/common/Environment.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Threads.h"
-#include "tests/system/rig/XClient.h"
-#include "tests/system/rig/XServer.h"
-#include "tools/HostText.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Threads.h"
+#include "tests/rig/XClient.h"
+#include "tests/rig/XServer.h"
+#include "tools/common/HostText.h"
 
 namespace {
 

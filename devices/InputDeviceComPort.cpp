@@ -50,6 +50,12 @@ class ReadSet {
 
 }  // namespace
 
+std::unique_ptr<InputDevice> InputDeviceComPortFactory::create(const DataCallback& callback) {
+  auto device = std::make_unique<InputDeviceComPort>(callback);
+  if (!device->start(*this)) return nullptr;
+  return device;
+}
+
 bool waitForReadyRead(int descriptor, unsigned long milliseconds) {
   // select overlooks numbers beyond the process's descriptor table, and would wait for nothing.
   if (descriptor <= 0 || ::fcntl(descriptor, F_GETFD) < 0) return false;

@@ -7,8 +7,8 @@
 
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
-#include "devices/ReaderThread.h"
 #include "util/Handles.h"
+#include "util/PosixThread.h"
 
 namespace quorvel {
 
@@ -38,7 +38,7 @@ class InputDeviceComPort : public InputDevice {
   void deliver(const std::string& message) const;
 
   FileDescriptor descriptor_;
-  ReaderThread thread_;
+  PosixThread thread_;
   std::int32_t timeoutCOM_ = 5;  // milliseconds; kept
   std::wstring encoding_;
   std::string suffix_;

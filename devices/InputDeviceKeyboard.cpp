@@ -51,6 +51,12 @@ int findDevice(const XConnection& connection, const std::string& name) {
 
 }  // namespace
 
+std::unique_ptr<InputDevice> InputDeviceKeyboardFactory::create(const DataCallback& callback) {
+  auto device = std::make_unique<InputDeviceKeyboard>(callback);
+  if (!device->start(*this)) return nullptr;
+  return device;
+}
+
 InputDeviceKeyboard::~InputDeviceKeyboard() {
   running_ = false;
   if (stop_) eventfd_write(stop_.get(), 1);

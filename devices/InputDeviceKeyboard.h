@@ -10,9 +10,9 @@
 #include "devices/FocusOwner.h"
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
-#include "devices/ReaderThread.h"
 #include "devices/XConnection.h"
 #include "util/Handles.h"
+#include "util/PosixThread.h"
 
 namespace quorvel {
 
@@ -47,7 +47,7 @@ class InputDeviceKeyboard : public InputDevice {
   std::optional<char> byteTyped(unsigned long keysym, int modifiers) const;
   void deliverMessage();
 
-  ReaderThread thread_;
+  PosixThread thread_;
   std::atomic<bool> running_ = false;
   FileDescriptor stop_;  // readable when the reader is to look at the flag
   char endByte_ = '\r';

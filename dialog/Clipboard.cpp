@@ -5,8 +5,8 @@
 #include <future>
 #include <memory>
 
-#include "devices/ReaderThread.h"
 #include "dialog/SelectionOwner.h"
+#include "util/PosixThread.h"
 
 namespace quorvel {
 namespace {
@@ -41,7 +41,7 @@ bool clip::set_text(const std::string& text) {
   try {
     auto offer = std::make_unique<quorvel::Offer>(quorvel::Offer{text, {}});
     std::future<bool> taken = offer->taken.get_future();
-    quorvel::ReaderThread thread;
+    quorvel::PosixThread thread;
     if (!thread.start(quorvel::offerText, offer.get())) return false;
     static_cast<void>(offer.release());  // the thread's now
     return taken.get();

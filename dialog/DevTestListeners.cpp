@@ -2,11 +2,11 @@
 #include <list>
 
 #include "devices/KeyboardList.h"
-#include "devices/ReaderThread.h"
 #include "devices/SerialFamilies.h"
 #include "devices/XConnection.h"
 #include "dialog/DevTestDialogLinux.h"
 #include "dialog/RowTexts.h"
+#include "util/PosixThread.h"
 #include "util/Text.h"
 
 namespace quorvel {
@@ -60,7 +60,7 @@ void DevTestDialogLinux::OnInput(const std::wstring& source, const std::wstring&
 }
 
 void DevTestDialogLinux::stopListeners() {
-  std::list<ReaderThread> stoppers;
+  std::list<PosixThread> stoppers;
   try {
     for (auto& [source, listener] : listeners_) {
       if (listener) stoppers.emplace_back().start(stop, &listener);
@@ -68,7 +68,7 @@ void DevTestDialogLinux::stopListeners() {
   } catch (...) {
     // Those for which there is no memory or no thread are stopped one by one, by the map.
   }
-  for (ReaderThread& stopper : stoppers) stopper.join();
+  for (PosixThread& stopper : stoppers) stopper.join();
   listeners_.clear();
 }
 

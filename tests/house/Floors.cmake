@@ -5,7 +5,7 @@ cmake_minimum_required(VERSION 3.25)
 
 # The folders that are looked at, and the folders from which each may include. The rooms of the
 # product stand in their order, lowest first.
-set(folders host util devices parameters dialog performer addin tools tests/common tests/system)
+set(folders host util devices parameters dialog performer addin tools tests/rig tests/system)
 set(host_may host)
 set(util_may ${host_may} util)
 set(devices_may ${util_may} devices)
@@ -15,8 +15,8 @@ set(performer_may ${devices_may} parameters dialog performer)
 set(addin_may ${performer_may} addin)
 # What stands outside sees the component through the host's interfaces only.
 set(tools_may host tools)
-set(tests/common_may host tests/common)
-set(tests/system_may host tools tests/common tests/system)
+set(tests/rig_may host tools tests/rig)
+set(tests/system_may host tools tests/rig tests/system)
 
 # The settings that all components of a process share are nobody else's business.
 set(guarded_headers performer/AppSettings.h performer/KeyValue.h)

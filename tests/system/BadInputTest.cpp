@@ -6,7 +6,7 @@
 #include <cstring>
 #include <limits>
 
-#include "tests/system/rig/SerialDriver.h"
+#include "tests/rig/SerialDriver.h"
 
 namespace {
 

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/common/Environment.h"
-#include "tests/system/rig/DeviceFiles.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Form.h"
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/SerialDriver.h"
-#include "tests/system/rig/XServer.h"
-#include "tools/SerialLine.h"
+#include "tests/rig/DeviceFiles.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Form.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/SerialDriver.h"
+#include "tests/rig/XServer.h"
+#include "tools/common/SerialLine.h"
 
 namespace {
 

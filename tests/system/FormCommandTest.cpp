@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "tests/common/Environment.h"
-#include "tests/system/rig/DeviceFiles.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/DeviceFiles.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/XServer.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "tools/FormDocument.h"
+#include "tools/common/FormDocument.h"
 
 namespace {
 

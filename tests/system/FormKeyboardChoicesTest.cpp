@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/common/Environment.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Form.h"
-#include "tests/system/rig/XServer.h"
-#include "tools/HostText.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Form.h"
+#include "tests/rig/XServer.h"
+#include "tools/common/HostText.h"
 
 namespace {
 

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/common/Environment.h"
-#include "tests/common/SettingsForm.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Form.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Form.h"
+#include "tests/rig/SettingsForm.h"
+#include "tests/rig/XServer.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "tests/common/Environment.h"
-#include "tests/common/SettingsForm.h"
-#include "tests/system/rig/DeviceFiles.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Form.h"
+#include "tests/rig/DeviceFiles.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Form.h"
+#include "tests/rig/SettingsForm.h"
 
 namespace {
 

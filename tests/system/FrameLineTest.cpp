@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "tools/SerialLine.h"
+#include "tools/common/SerialLine.h"
 
 namespace {
 

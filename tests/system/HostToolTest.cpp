@@ -6,8 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/SerialDriver.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/SerialDriver.h"
 
 namespace {
 

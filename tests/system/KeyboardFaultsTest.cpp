@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <thread>
 
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Threads.h"
-#include "tests/system/rig/XClient.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Threads.h"
+#include "tests/rig/XClient.h"
+#include "tests/rig/XServer.h"
 
 namespace {
 

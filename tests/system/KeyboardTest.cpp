@@ -7,11 +7,11 @@
 #include <iostream>
 #include <thread>
 
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/KeysLookedAt.h"
-#include "tests/system/rig/XClient.h"
-#include "tests/system/rig/XServer.h"
-#include "tools/HostText.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/KeysLookedAt.h"
+#include "tests/rig/XClient.h"
+#include "tests/rig/XServer.h"
+#include "tools/common/HostText.h"
 
 namespace {
 

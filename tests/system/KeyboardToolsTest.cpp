@@ -4,10 +4,10 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 
-#include "tests/common/Environment.h"
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/XServer.h"
 
 namespace {
 

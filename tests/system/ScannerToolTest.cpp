@@ -12,8 +12,8 @@
 #include <optional>
 #include <thread>
 
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/RawDevice.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/RawDevice.h"
 
 namespace {
 

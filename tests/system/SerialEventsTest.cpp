@@ -4,7 +4,7 @@
 #include <map>
 #include <thread>
 
-#include "tests/system/rig/RawDevice.h"
+#include "tests/rig/RawDevice.h"
 
 namespace {
 

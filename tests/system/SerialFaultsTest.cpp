@@ -9,9 +9,9 @@
 #include <optional>
 #include <stdexcept>
 
-#include "tests/system/rig/SerialDriver.h"
-#include "tests/system/rig/ThreadStart.h"
-#include "tests/system/rig/Threads.h"
+#include "tests/rig/SerialDriver.h"
+#include "tests/rig/ThreadStart.h"
+#include "tests/rig/Threads.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <random>
 
-#include "tests/system/rig/RawDevice.h"
+#include "tests/rig/RawDevice.h"
 
 namespace {
 

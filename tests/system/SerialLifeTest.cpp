@@ -7,9 +7,9 @@
 
 #include <thread>
 
-#include "tests/system/rig/OwnProcess.h"
-#include "tests/system/rig/SerialDriver.h"
-#include "tests/system/rig/Threads.h"
+#include "tests/rig/OwnProcess.h"
+#include "tests/rig/SerialDriver.h"
+#include "tests/rig/Threads.h"
 
 namespace {
 

@@ -12,9 +12,9 @@
 #include <limits>
 #include <sstream>
 
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/SerialDriver.h"
-#include "tests/system/rig/Threads.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/SerialDriver.h"
+#include "tests/rig/Threads.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/TestWindow.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/TestWindow.h"
+#include "tests/rig/XServer.h"
 
 namespace {
 

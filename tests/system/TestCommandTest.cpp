@@ -1,9 +1,9 @@
 // quorvel-host test.
 #include <gtest/gtest.h>
 
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/SharedXServer.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/SharedXServer.h"
 
 namespace {
 

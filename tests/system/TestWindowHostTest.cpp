@@ -5,11 +5,11 @@
 #include <clocale>
 #include <filesystem>
 
-#include "tests/system/rig/OwnProcess.h"
-#include "tests/system/rig/Program.h"
-#include "tests/system/rig/SharedXServer.h"
-#include "tests/system/rig/TestWindow.h"
-#include "tests/system/rig/Threads.h"
+#include "tests/rig/OwnProcess.h"
+#include "tests/rig/Program.h"
+#include "tests/rig/SharedXServer.h"
+#include "tests/rig/TestWindow.h"
+#include "tests/rig/Threads.h"
 
 namespace {
 

@@ -7,11 +7,11 @@
 #include <memory>
 #include <vector>
 
-#include "tests/system/rig/Driver.h"
-#include "tests/system/rig/OwnProcess.h"
-#include "tests/system/rig/SharedXServer.h"
-#include "tests/system/rig/TestWindow.h"
-#include "tools/SerialLine.h"
+#include "tests/rig/Driver.h"
+#include "tests/rig/OwnProcess.h"
+#include "tests/rig/SharedXServer.h"
+#include "tests/rig/TestWindow.h"
+#include "tools/common/SerialLine.h"
 
 namespace {
 

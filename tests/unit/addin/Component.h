@@ -7,9 +7,9 @@
 #include <string>
 
 #include "addin/QuorvelNative.h"
-#include "tests/unit/support/HostDoubles.h"
-#include "tests/unit/support/RestoredSettings.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/rig/HostDoubles.h"
+#include "tests/rig/Variants.h"
+#include "tests/unit/performer/RestoredSettings.h"
 
 namespace quorvel::test {
 

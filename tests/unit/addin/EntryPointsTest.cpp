@@ -7,8 +7,8 @@
 #include <string>
 
 #include "host/IComponentBase.h"
-#include "tests/unit/support/HostDoubles.h"
-#include "tests/unit/support/RestoredSettings.h"
+#include "tests/rig/HostDoubles.h"
+#include "tests/unit/performer/RestoredSettings.h"
 
 extern "C" {
 const WCHAR_T* GetClassNames();

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "devices/InputDeviceFactories.h"
-#include "tests/unit/VirtualSlots.h"
+#include "tests/rig/VirtualSlots.h"
 
 namespace quorvel {
 namespace {

@@ -7,9 +7,9 @@
 #include <stdexcept>
 
 #include "devices/InputDeviceKeyboard.h"
-#include "tests/common/Environment.h"
-#include "tests/system/rig/XClient.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/XClient.h"
+#include "tests/rig/XServer.h"
 #include "util/Base64.h"
 
 namespace quorvel {

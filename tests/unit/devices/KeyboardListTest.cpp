@@ -4,8 +4,8 @@
 
 #include "devices/KeyboardList.h"
 #include "devices/XConnection.h"
-#include "tests/common/Environment.h"
-#include "tests/system/rig/XServer.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/XServer.h"
 
 namespace quorvel {
 namespace {

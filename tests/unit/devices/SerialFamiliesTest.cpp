@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "devices/SerialFamilies.h"
-#include "tests/common/Environment.h"
+#include "tests/rig/Environment.h"
 
 namespace quorvel {
 namespace {

@@ -5,9 +5,9 @@
 #include <thread>
 
 #include "devices/XConnection.h"
-#include "tests/common/Environment.h"
-#include "tests/system/rig/XServer.h"
-#include "tests/unit/support/BrokenXServer.h"
+#include "tests/rig/BrokenXServer.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/XServer.h"
 
 namespace quorvel {
 namespace {

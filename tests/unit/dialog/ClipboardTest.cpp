@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "dialog/Clipboard.h"
-#include "tests/system/rig/SharedXServer.h"
-#include "tests/system/rig/Threads.h"
+#include "tests/rig/SharedXServer.h"
+#include "tests/rig/Threads.h"
 
 namespace {
 

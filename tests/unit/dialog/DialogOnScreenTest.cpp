@@ -7,9 +7,9 @@
 #include "devices/XConnection.h"
 #include "dialog/DevTestDialogLinux.h"
 #include "dialog/Gtk.h"
-#include "tests/system/rig/OwnProcess.h"
-#include "tests/system/rig/SharedXServer.h"
-#include "tests/system/rig/TestWindow.h"
+#include "tests/rig/OwnProcess.h"
+#include "tests/rig/SharedXServer.h"
+#include "tests/rig/TestWindow.h"
 #include "util/DataTypes.h"
 
 namespace quorvel {

@@ -6,7 +6,7 @@
 #include "host/IAddInDefBaseEx.h"
 #include "host/IComponentBase.h"
 #include "host/IMemoryManager.h"
-#include "tests/unit/VirtualSlots.h"
+#include "tests/rig/VirtualSlots.h"
 
 namespace {
 

@@ -9,9 +9,9 @@
 
 #include "devices/SerialFamilies.h"
 #include "parameters/LinuxParametersTableBuilder.h"
-#include "tests/common/Environment.h"
-#include "tests/common/SettingsForm.h"
-#include "tests/unit/VirtualSlots.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/SettingsForm.h"
+#include "tests/rig/VirtualSlots.h"
 #include "util/Handles.h"
 #include "util/Text.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "parameters/ParametersTableBuilder.h"
-#include "tests/unit/VirtualSlots.h"
+#include "tests/rig/VirtualSlots.h"
 
 namespace quorvel {
 namespace {

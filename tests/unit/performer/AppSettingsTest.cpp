@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "performer/AppSettings.h"
-#include "tests/unit/support/RestoredSettings.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/rig/Variants.h"
+#include "tests/unit/performer/RestoredSettings.h"
 
 namespace quorvel {
 namespace {

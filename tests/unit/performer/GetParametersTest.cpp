@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "performer/AppSettings.h"
-#include "tests/common/Environment.h"
-#include "tests/common/SettingsForm.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/SettingsForm.h"
 #include "tests/unit/performer/OpenPerformer.h"
 #include "util/Text.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "performer/KeyValue.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/rig/Variants.h"
 
 namespace quorvel {
 namespace {

@@ -1,9 +1,9 @@
 // The registry with a device that really opens.
 #include <gtest/gtest.h>
 
-#include "tests/system/rig/Driver.h"
+#include "tests/rig/Driver.h"
 #include "tests/unit/performer/OpenPerformer.h"
-#include "tools/SerialLine.h"
+#include "tools/common/SerialLine.h"
 
 namespace quorvel {
 namespace {

@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/rig/Variants.h"
 #include "tests/unit/performer/OpenPerformer.h"
-#include "tests/unit/support/RestoredSettings.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/unit/performer/RestoredSettings.h"
 
 namespace quorvel {
 namespace {

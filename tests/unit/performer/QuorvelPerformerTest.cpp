@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "tests/common/Environment.h"
-#include "tests/unit/VirtualSlots.h"
+#include "tests/rig/Environment.h"
+#include "tests/rig/HostDoubles.h"
+#include "tests/rig/Variants.h"
+#include "tests/rig/VirtualSlots.h"
 #include "tests/unit/performer/OpenPerformer.h"
-#include "tests/unit/support/HostDoubles.h"
-#include "tests/unit/support/RestoredSettings.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/unit/performer/RestoredSettings.h"
 
 namespace quorvel {
 namespace {

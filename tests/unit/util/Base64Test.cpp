@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/support/Commands.h"
-#include "tests/unit/support/RandomBytes.h"
+#include "tests/rig/Commands.h"
+#include "tests/rig/RandomBytes.h"
 #include "util/Base64.h"
 
 namespace quorvel {

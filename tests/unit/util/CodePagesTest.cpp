@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/support/Commands.h"
-#include "tests/unit/support/RandomBytes.h"
+#include "tests/rig/Commands.h"
+#include "tests/rig/RandomBytes.h"
 #include "util/CodePages.h"
 
 namespace quorvel {

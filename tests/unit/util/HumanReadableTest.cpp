@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/unit/support/RandomBytes.h"
+#include "tests/rig/RandomBytes.h"
 #include "util/HumanReadable.h"
 #include "util/Text.h"
 

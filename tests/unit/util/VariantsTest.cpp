@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "tests/unit/support/HostDoubles.h"
-#include "tests/unit/support/Variants.h"
+#include "tests/rig/HostDoubles.h"
+#include "tests/rig/Variants.h"
 #include "util/Variants.h"
 
 namespace quorvel {

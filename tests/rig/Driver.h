@@ -1,0 +1,46 @@
+// The built library in this process, and what a test waits and asks for.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "tools/common/ComponentHost.h"
+
+namespace rig {
+
+// How long a test waits for what must come. A failing test takes this long, a passing one does not.
+inline constexpr std::chrono::seconds kPatience{20};
+
+// Paths of the built library and tools; the test fails without them.
+std::string libraryPath();
+std::string englishLibraryPath();  // the library in a process that starts English
+std::string hostPath();
+std::string scannerPath();
+
+// The library and one component of it.
+struct Driver {
+  explicit Driver(const std::u16string& className = u"InputDevice",
+                  const std::string& libraryFile = libraryPath());
+
+  // Sets the port and opens it; the test fails when it cannot be opened.
+  std::u16string openPort(std::int32_t port);
+
+  // The same for a keyboard, by its name in the form.
+  std::u16string openKeyboard(const std::u16string& name);
+
+  // The next event; the test fails when none comes.
+  terminal::Event event();
+
+  terminal::ComponentLibrary library;
+  terminal::Component component;
+};
+
+// Threads and open descriptors of this process.
+std::size_t threadCount();
+std::size_t descriptorCount();
+
+// Bytes that this process has allocated and not freed; none under a sanitizer, which finds leaks
+// itself.
+std::size_t heapBytes();
+
+}  // namespace rig

@@ -1,0 +1,48 @@
+#include "tests/rig/KeysLookedAt.h"
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XI2.h>
+#include <dlfcn.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+namespace rig {
+namespace {
+
+constexpr std::chrono::seconds kPatience{20};
+
+std::mutex mutex;
+std::condition_variable changed;
+unsigned lookedAt = 0;
+
+void countOne() {
+  const std::lock_guard lock(mutex);
+  ++lookedAt;
+  changed.notify_all();
+}
+
+}  // namespace
+
+void countKeysLookedAt() {
+  const std::lock_guard lock(mutex);
+  lookedAt = 0;
+}
+
+bool awaitKeysLookedAt(unsigned count) {
+  std::unique_lock lock(mutex);
+  return changed.wait_for(lock, kPatience, [count] { return lookedAt >= count; });
+}
+
+}  // namespace rig
+
+// The last thing that happens to a key in the driver, whatever becomes of it.
+extern "C" __attribute__((visibility("default"))) void XFreeEventData(Display* display,
+                                                                      XGenericEventCookie* cookie) {
+  static const auto freeEventData =
+      reinterpret_cast<decltype(&XFreeEventData)>(dlsym(RTLD_NEXT, "XFreeEventData"));
+  const bool key = cookie->evtype == XI_KeyPress || cookie->evtype == XI_KeyRelease;
+  freeEventData(display, cookie);
+  if (key) rig::countOne();
+}

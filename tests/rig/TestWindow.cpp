@@ -1,0 +1,191 @@
+#include "tests/rig/TestWindow.h"
+
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include <exception>
+#include <memory>
+#include <stdexcept>
+
+// After GoogleTest, whose names are macros in X.
+#include <gdk/gdkx.h>
+
+namespace rig {
+namespace {
+
+struct GFree {
+  void operator()(void* memory) const { g_free(memory); }
+};
+
+void collect(GtkWidget* widget, gpointer found) {
+  static_cast<std::vector<GtkWidget*>*>(found)->push_back(widget);
+  if (GTK_IS_CONTAINER(widget)) gtk_container_forall(GTK_CONTAINER(widget), collect, found);
+}
+
+gboolean setFlag(gpointer flag) {
+  *static_cast<bool*>(flag) = true;
+  return G_SOURCE_REMOVE;
+}
+
+// The open test window, or null.
+GtkDialog* findTestWindow() {
+  GList* const toplevels = gtk_window_list_toplevels();
+  GtkDialog* found = nullptr;
+  for (GList* at = toplevels; at; at = at->next) {
+    if (GTK_IS_DIALOG(at->data) && gtk_widget_get_visible(GTK_WIDGET(at->data))) {
+      found = GTK_DIALOG(at->data);
+    }
+  }
+  g_list_free(toplevels);
+  return found;
+}
+
+// One visit: what to do in the window, and what came of it.
+struct Visit {
+  const std::function<void(TestWindow&)>& deeds;
+  bool done = false;
+  bool closed = false;
+  std::exception_ptr thrown = nullptr;
+};
+
+gboolean visitWindow(gpointer data) {
+  GtkDialog* const dialog = findTestWindow();
+  if (!dialog) return G_SOURCE_CONTINUE;
+  auto& visit = *static_cast<Visit*>(data);
+  visit.done = true;
+  g_object_ref(dialog);
+  try {
+    TestWindow window(dialog);
+    visit.deeds(window);
+    if (window.response()) visit.closed = true;
+  } catch (...) {
+    visit.thrown = std::current_exception();
+  }
+  if (!visit.closed) gtk_dialog_response(dialog, GTK_RESPONSE_DELETE_EVENT);
+  g_object_unref(dialog);
+  return G_SOURCE_REMOVE;
+}
+
+}  // namespace
+
+TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog) {
+  const std::vector<GtkWidget*> lists = widgets(GTK_TYPE_TREE_VIEW);
+  if (lists.size() != 1) throw std::runtime_error("the window has not one list");
+  list_ = GTK_TREE_VIEW(lists.front());
+  responseHandler_ = g_signal_connect(dialog_, "response",
+                                      G_CALLBACK(+[](GtkDialog*, gint response, gpointer window) {
+                                        static_cast<TestWindow*>(window)->response_ = response;
+                                      }),
+                                      this);
+}
+
+TestWindow::~TestWindow() {
+  // A destroyed window has dropped its handlers.
+  if (g_signal_handler_is_connected(dialog_, responseHandler_)) {
+    g_signal_handler_disconnect(dialog_, responseHandler_);
+  }
+}
+
+unsigned long TestWindow::id() const {
+  return GDK_WINDOW_XID(gtk_widget_get_window(GTK_WIDGET(dialog_)));
+}
+
+std::vector<GtkWidget*> TestWindow::widgets(GType type) const {
+  std::vector<GtkWidget*> all;
+  gtk_container_forall(GTK_CONTAINER(dialog_), collect, &all);
+  std::erase_if(all,
+                [type](GtkWidget* widget) { return !G_TYPE_CHECK_INSTANCE_TYPE(widget, type); });
+  return all;
+}
+
+std::vector<Row> TestWindow::rows() const {
+  std::vector<Row> rows;
+  GtkTreeModel* const model = gtk_tree_view_get_model(list_);
+  GtkTreeIter at;
+  for (gboolean more = gtk_tree_model_get_iter_first(model, &at); more;
+       more = gtk_tree_model_iter_next(model, &at)) {
+    gchar* source = nullptr;
+    gchar* data = nullptr;
+    gtk_tree_model_get(model, &at, 0, &source, 1, &data, -1);
+    const std::unique_ptr<gchar, GFree> ownedSource(source);
+    const std::unique_ptr<gchar, GFree> ownedData(data);
+    rows.push_back({source ? source : "(null)", data ? data : "(null)"});
+  }
+  return rows;
+}
+
+std::vector<Row> TestWindow::awaitRows(std::size_t count) const {
+  GtkTreeModel* const model = gtk_tree_view_get_model(list_);
+  await(std::to_string(count) + " rows", [model, count] {
+    return static_cast<std::size_t>(gtk_tree_model_iter_n_children(model, nullptr)) >= count;
+  });
+  return rows();
+}
+
+void TestWindow::await(const std::string& what, const std::function<bool()>& condition) const {
+  bool expired = false;
+  const guint timer =
+      g_timeout_add_seconds(static_cast<guint>(kPatience.count()), setFlag, &expired);
+  while (!condition() && !expired) g_main_context_iteration(nullptr, TRUE);
+  if (expired) throw std::runtime_error("waited in vain for " + what);
+  g_source_remove(timer);
+}
+
+GtkButton* TestWindow::button(const std::string& label) const {
+  for (GtkWidget* const widget : widgets(GTK_TYPE_BUTTON)) {
+    const gchar* const text = gtk_button_get_label(GTK_BUTTON(widget));
+    if (text && text == label) return GTK_BUTTON(widget);
+  }
+  throw std::runtime_error("no button " + label);
+}
+
+void TestWindow::select(int row) const {
+  GtkTreePath* const path = gtk_tree_path_new_from_indices(row, -1);
+  gtk_tree_selection_select_path(gtk_tree_view_get_selection(list_), path);
+  gtk_tree_path_free(path);
+}
+
+void whileTestWindowIsOpen(const std::function<void()>& show,
+                           const std::function<void(TestWindow&)>& deeds) {
+  g_log_set_always_fatal(
+      static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING | G_LOG_FATAL_MASK));
+  Visit visit{deeds};
+  const guint source = g_timeout_add(0, visitWindow, &visit);
+  show();
+  if (!visit.done) {
+    g_source_remove(source);
+    throw std::runtime_error("no test window was shown");
+  }
+  if (visit.thrown) std::rethrow_exception(visit.thrown);
+}
+
+void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds) {
+  whileTestWindowIsOpen([&] { EXPECT_TRUE(component.test()); }, deeds);
+}
+
+void visitWindow(const std::function<void(TestWindow&)>& deeds) {
+  Driver driver;
+  visitWindow(driver.component, deeds);
+}
+
+std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path) {
+  auto line = std::make_unique<terminal::SerialLine>(terminal::LineSetting::kFramed);
+  line->link(path);
+  return line;
+}
+
+Times timesNow() {
+  const auto seconds = [](clockid_t clock) {
+    timespec time;
+    clock_gettime(clock, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+  };
+  return {seconds(CLOCK_PROCESS_CPUTIME_ID), seconds(CLOCK_MONOTONIC)};
+}
+
+Times timesSince(const Times& before) {
+  const Times now = timesNow();
+  return {now.processor - before.processor, now.wall - before.wall};
+}
+
+}  // namespace rig

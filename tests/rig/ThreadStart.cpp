@@ -1,0 +1,30 @@
+#include "tests/rig/ThreadStart.h"
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
+
+namespace {
+
+using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+
+std::atomic<bool> allowed = true;
+
+}  // namespace
+
+// Stands before the C library's own: a program's names are looked up first, by libraries too.
+extern "C" __attribute__((visibility("default"))) int pthread_create(
+    pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
+    void* argument) noexcept {
+  static const auto real = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+  return allowed ? real(thread, attributes, function, argument) : EAGAIN;
+}
+
+namespace rig {
+
+NoThreads::NoThreads() { allowed = false; }
+NoThreads::~NoThreads() { allowed = true; }
+
+}  // namespace rig

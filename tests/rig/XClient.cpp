@@ -1,0 +1,114 @@
+#include "tests/rig/XClient.h"
+
+#include <X11/Xatom.h>
+#include <X11/extensions/XInput2.h>
+#include <poll.h>
+
+#include <stdexcept>
+
+namespace rig {
+namespace {
+
+// A description of the server's devices, freed with its owner.
+struct DeviceInfoFreer {
+  void operator()(XIDeviceInfo* info) const { XIFreeDeviceInfo(info); }
+};
+using DeviceInfo = std::unique_ptr<XIDeviceInfo[], DeviceInfoFreer>;
+
+}  // namespace
+
+XClient::XClient(const std::string& display) : display_(XOpenDisplay(display.c_str())) {
+  if (!display_) throw std::runtime_error("cannot open display " + display);
+  int major = 2, minor = 0;
+  XIQueryVersion(get(), &major, &minor);
+}
+
+Window XClient::openWindow(Window parent) {
+  if (parent == None) parent = DefaultRootWindow(get());
+  const Window window = XCreateSimpleWindow(get(), parent, 0, 0, 50, 50, 0, 0, 0);
+  XSelectInput(get(), window, KeyPressMask);
+  XMapWindow(get(), window);
+  XSync(get(), False);
+  return window;
+}
+
+void XClient::closeWindow(Window window) {
+  XDestroyWindow(get(), window);
+  XSync(get(), False);
+}
+
+void XClient::setProcess(Window window, pid_t process) {
+  const long value = process;
+  XChangeProperty(get(), window, XInternAtom(get(), "_NET_WM_PID", False), XA_CARDINAL, 32,
+                  PropModeReplace, reinterpret_cast<const unsigned char*>(&value), 1);
+  XSync(get(), False);
+}
+
+void XClient::focus(Window window, int revertTo) {
+  XSetInputFocus(get(), window, revertTo, CurrentTime);
+  XSync(get(), False);
+}
+
+std::optional<terminal::Key> XClient::takeKey(std::chrono::milliseconds patience) {
+  const auto deadline = std::chrono::steady_clock::now() + patience;
+  XEvent event;
+  while (!XCheckTypedEvent(get(), KeyPress, &event)) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    pollfd connection{.fd = ConnectionNumber(get()), .events = POLLIN, .revents = 0};
+    if (left.count() <= 0 || poll(&connection, 1, static_cast<int>(left.count())) == 0) return {};
+  }
+  return static_cast<terminal::Key>(event.xkey.keycode);
+}
+
+int XClient::device(const std::string& name) {
+  int count = 0;
+  const DeviceInfo devices(XIQueryDevice(get(), XIAllDevices, &count));
+  for (int i = 0; i < count; ++i) {
+    if (devices[static_cast<std::size_t>(i)].name == name) {
+      return devices[static_cast<std::size_t>(i)].deviceid;
+    }
+  }
+  throw std::runtime_error("the X server has no device " + name);
+}
+
+bool XClient::grab(int device) {
+  unsigned char bits[1] = {};
+  XISetMask(bits, XI_KeyPress);
+  XIEventMask mask{.deviceid = device, .mask_len = sizeof(bits), .mask = bits};
+  return XIGrabDevice(get(), device, DefaultRootWindow(get()), CurrentTime, None, XIGrabModeAsync,
+                      XIGrabModeAsync, False, &mask) == XIGrabSuccess;
+}
+
+void XClient::ungrab(int device) {
+  XIUngrabDevice(get(), device, CurrentTime);
+  XSync(get(), False);
+}
+
+void XClient::setEnabled(int device, bool enabled) {
+  unsigned char value = enabled;
+  XIChangeProperty(get(), device, XInternAtom(get(), "Device Enabled", False), XA_INTEGER, 8,
+                   PropModeReplace, &value, 1);
+  XSync(get(), False);
+}
+
+void XClient::addMaster(const std::string& name) {
+  std::string copy = name;
+  XIAnyHierarchyChangeInfo change;
+  change.add = {.type = XIAddMaster, .name = copy.data(), .send_core = True, .enable = True};
+  XIChangeHierarchy(get(), &change, 1);
+  XSync(get(), False);
+}
+
+void XClient::removeMaster(int keyboard) {
+  XIAnyHierarchyChangeInfo change;
+  change.remove = {.type = XIRemoveMaster,
+                   .deviceid = keyboard,
+                   .return_mode = XIFloating,
+                   .return_pointer = 0,
+                   .return_keyboard = 0};
+  XIChangeHierarchy(get(), &change, 1);
+  XSync(get(), False);
+}
+
+}  // namespace rig

@@ -1,0 +1,181 @@
+#include "tests/rig/XServer.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace rig {
+namespace {
+
+// The program itself, not the wrapper that asks who is logged in at the console.
+constexpr char kServer[] = "/usr/lib/xorg/Xorg";
+
+constexpr char kScreenConfiguration[] = R"(Section "ServerFlags"
+  Option "AutoAddDevices" "false"
+  Option "AutoEnableDevices" "true"
+  Option "DontVTSwitch" "true"
+EndSection
+Section "Device"
+  Identifier "memory"
+  Driver "dummy"
+  VideoRam 16384
+EndSection
+Section "Monitor"
+  Identifier "monitor"
+  HorizSync 5.0 - 1000.0
+  VertRefresh 5.0 - 200.0
+EndSection
+Section "Screen"
+  Identifier "screen"
+  Device "memory"
+  Monitor "monitor"
+  DefaultDepth 24
+  SubSection "Display"
+    Depth 24
+    Modes "1024x768"
+  EndSubSection
+EndSection
+)";
+
+std::filesystem::path makeTemporaryDirectory() {
+  std::string path = std::filesystem::temp_directory_path() / "quorvel-x-XXXXXX";
+  if (!mkdtemp(path.data())) throw std::runtime_error("no temporary directory at " + path);
+  return path;
+}
+
+std::string inputDeviceSection(const std::string& name, const std::string& socket,
+                               const std::string& type) {
+  return "Section \"InputDevice\"\n  Identifier \"" + name + "\"\n  Driver \"inputtest\"\n" +
+         "  Option \"DeviceType\" \"" + type + "\"\n  Option \"SocketPath\" \"" + socket +
+         "\"\nEndSection\n";
+}
+
+// Reads what the server writes when it is ready: its display number and a line feed. Empty when it
+// has ended instead.
+std::string readLine(int descriptor) {
+  std::string line;
+  char byte = 0;
+  while (read(descriptor, &byte, 1) == 1 && byte != '\n') line += byte;
+  return byte == '\n' ? line : std::string();
+}
+
+// Starts a program that ends with this thread, inherits one descriptor, and writes to a file.
+pid_t launch(const std::vector<std::string>& command, const std::string& output, int inherited) {
+  std::vector<char*> arguments;
+  for (const std::string& argument : command) {
+    arguments.push_back(const_cast<char*>(argument.c_str()));
+  }
+  arguments.push_back(nullptr);
+  const pid_t pid = fork();
+  if (pid != 0) return pid;
+  // Other threads may have held any lock when the process forked: from here on only system calls.
+  prctl(PR_SET_PDEATHSIG, SIGTERM);
+  const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+  dup2(file, STDOUT_FILENO);
+  dup2(file, STDERR_FILENO);
+  fcntl(inherited, F_SETFD, 0);
+  execv(arguments[0], arguments.data());
+  _exit(127);
+}
+
+}  // namespace
+
+XServer::XServer(const std::vector<std::string>& keyboards) : directory_(makeTemporaryDirectory()) {
+  writeConfiguration(keyboards);
+  start();
+  setLayout();
+}
+
+XServer::~XServer() {
+  connected_.clear();
+  end(SIGTERM);
+  std::error_code ignored;
+  std::filesystem::remove_all(directory_, ignored);
+}
+
+terminal::VirtualKeyboard& XServer::keyboard(std::size_t index) {
+  auto& connection = connected_[index];
+  if (!connection) connection = terminal::connectInputTestKeyboard(keyboardSocket(index));
+  return *connection;
+}
+
+std::string XServer::keyboardSocket(std::size_t index) const {
+  return directory_ / ("keyboard" + std::to_string(index));
+}
+
+void XServer::kill() { end(SIGKILL); }
+
+std::string XServer::log() const {
+  std::ifstream file(directory_ / "log");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void XServer::writeConfiguration(const std::vector<std::string>& keyboards) const {
+  std::filesystem::create_directory(directory_ / "no-more-configuration");
+  std::ofstream file(directory_ / "xorg.conf");
+  std::string layout =
+      "Section \"ServerLayout\"\n  Identifier \"layout\"\n  Screen \"screen\"\n"
+      "  InputDevice \"Rig pointer\" \"CorePointer\"\n";
+  file << kScreenConfiguration
+       << inputDeviceSection("Rig pointer", directory_ / "pointer", "Pointer");
+  for (std::size_t i = 0; i < keyboards.size(); ++i) {
+    file << inputDeviceSection(keyboards[i], keyboardSocket(i), "Keyboard");
+    layout += "  InputDevice \"" + keyboards[i] + "\" \"SendCoreEvents\"\n";
+  }
+  file << layout << "EndSection\n";
+}
+
+void XServer::start() {
+  int ready[2];
+  if (pipe2(ready, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+  const std::vector<std::string> command = {kServer,
+                                            "-displayfd",
+                                            std::to_string(ready[1]),
+                                            "-config",
+                                            directory_ / "xorg.conf",
+                                            "-configdir",
+                                            directory_ / "no-more-configuration",
+                                            "-logfile",
+                                            directory_ / "log",
+                                            "-noreset",
+                                            "-nolisten",
+                                            "tcp",
+                                            "-novtswitch",
+                                            "-sharevts",
+                                            "vt7",
+                                            "-ac"};
+  pid_ = launch(command, directory_ / "output", ready[1]);
+  close(ready[1]);
+  const std::string number = readLine(ready[0]);
+  close(ready[0]);
+  if (number.empty()) {
+    end(SIGKILL);
+    const std::string reason = log();
+    std::filesystem::remove_all(directory_);
+    throw std::runtime_error("the X server did not start:\n" + reason);
+  }
+  display_ = ":" + number;
+}
+
+// As every desktop session does; the server itself starts with the key codes of another age.
+void XServer::setLayout() const {
+  const std::string command =
+      "setxkbmap -display " + display_ + " -rules evdev -model pc105 -layout us";
+  if (std::system(command.c_str()) != 0) throw std::runtime_error("failed: " + command);
+}
+
+void XServer::end(int signal) {
+  if (pid_ <= 0) return;
+  ::kill(pid_, signal);
+  waitpid(pid_, nullptr, 0);
+  pid_ = -1;
+}
+
+}  // namespace rig

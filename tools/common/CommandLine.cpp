@@ -1,0 +1,117 @@
+#include "tools/common/CommandLine.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <limits>
+#include <system_error>
+
+namespace terminal {
+namespace {
+
+constexpr Text kUnknownOption = {"unknown option ", "неизвестный ключ "};
+constexpr Text kMissingValue = {"a value is missing after ", "нет значения после "};
+constexpr Text kNoCommand = {"a command is missing (see --help)", "нет команды (см. --help)"};
+constexpr Text kUnknownCommand = {"unknown command ", "неизвестная команда "};
+constexpr Text kNotANumber = {": a number is expected from ", ": ожидается число от "};
+constexpr Text kTo = {" to ", " до "};
+constexpr Text kSeeHelp = {" (see --help)", " (см. --help)"};
+
+// A number as a person writes it: no trailing zeros.
+std::string plain(double number) {
+  std::string text = std::to_string(number);
+  text.erase(text.find_last_not_of('0') + 1);
+  if (text.back() == '.') text.pop_back();
+  return text;
+}
+
+std::vector<option> toGetopt(const std::vector<Option>& options) {
+  std::vector<option> table;
+  for (const Option& known : options) {
+    table.push_back({known.name, known.takesValue ? required_argument : no_argument, nullptr, 0});
+  }
+  table.push_back({nullptr, 0, nullptr, 0});
+  return table;
+}
+
+}  // namespace
+
+Arguments readOptions(const Arguments& arguments, const std::vector<Option>& options,
+                      bool stopAtFirst) {
+  const std::vector<option> table = toGetopt(options);
+  Arguments words = arguments;
+  std::vector<char*> argv = {const_cast<char*>("")};
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  const int argc = static_cast<int>(argv.size()) - 1;
+  const char* const mode = stopAtFirst ? "+:" : ":";
+  optind = 0;  // getopt's own way to begin anew
+  int index = 0;
+  for (int found; (found = getopt_long(argc, argv.data(), mode, table.data(), &index)) != -1;) {
+    const std::string word = argv[static_cast<std::size_t>(optind - 1)];
+    if (found == ':') throw UsageError(say(kMissingValue) + word + say(kSeeHelp));
+    if (found != 0) throw UsageError(say(kUnknownOption) + word + say(kSeeHelp));
+    options[static_cast<std::size_t>(index)].apply(optarg ? optarg : "");
+  }
+  return Arguments(argv.begin() + optind, argv.begin() + argc);
+}
+
+int runCommand(const std::vector<Command>& commands, Arguments words, const Text& help) {
+  if (std::find(words.begin(), words.end(), "--help") != words.end()) {
+    std::cout << say(help);
+    return 0;
+  }
+  if (words.empty()) throw UsageError(say(kNoCommand));
+  const std::string name = words.front();
+  const auto command = std::find_if(commands.begin(), commands.end(),
+                                    [&](const Command& known) { return known.name == name; });
+  if (command == commands.end()) throw UsageError(say(kUnknownCommand) + name + say(kSeeHelp));
+  words.erase(words.begin());
+  return command->run(words);
+}
+
+double numberFrom(const std::string& text, const char* what, double lowest, double highest) {
+  char* end = nullptr;
+  const double number = std::strtod(text.c_str(), &end);
+  if (text.empty() || *end != '\0' || !(number >= lowest && number <= highest)) {
+    throw UsageError(what + std::string(say(kNotANumber)) + plain(lowest) + say(kTo) +
+                     plain(highest));
+  }
+  return number;
+}
+
+std::int32_t integerFrom(const std::string& text, const char* what, std::int32_t lowest,
+                         std::int32_t highest) {
+  const double number = numberFrom(text, what, lowest, highest);
+  if (number != std::floor(number)) numberFrom("", what, lowest, highest);
+  return static_cast<std::int32_t>(number);
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string content{std::istreambuf_iterator<char>(file), {}};
+  if (!file.is_open() || file.bad()) {
+    throw std::system_error(errno, std::generic_category(), path);
+  }
+  return content;
+}
+
+int runProgram(const char* name, const std::function<int()>& body) {
+  try {
+    return body();
+  } catch (const UsageError& error) {
+    std::cerr << name << ": " << error.what() << '\n';
+    return 2;
+  } catch (const std::exception& error) {
+    std::cerr << name << ": " << error.what() << '\n';
+    return 1;
+  }
+}
+
+}  // namespace terminal

@@ -1,0 +1,136 @@
+// A host for one component, as small as a host can be: it loads the library, creates a component,
+// calls its methods by name, and receives its events. Everything goes through the binary contract.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/IAddInDefBaseEx.h"
+#include "host/IComponentBase.h"
+#include "host/IMemoryManager.h"
+#include "tools/common/EventQueue.h"
+
+namespace terminal {
+
+// The library's four functions. The library is unloaded with its owner.
+class ComponentLibrary {
+ public:
+  // Loads with RTLD_NOW. Throws std::runtime_error with one line of reason.
+  explicit ComponentLibrary(const std::string& path);
+
+  const WCHAR_T* (*GetClassNames)();
+  long (*GetClassObject)(const WCHAR_T* name, IComponentBase** slot);
+  long (*DestroyObject)(IComponentBase** slot);
+  long (*SetPlatformCapabilities)(int capabilities);
+
+ private:
+  struct Unloader {
+    void operator()(void* library) const;
+  };
+  void* symbol(const char* name) const;
+
+  std::unique_ptr<void, Unloader> library_;
+};
+
+// Memory that a component hands over. Counts what is out, so that tests see what is never freed.
+class HostMemory : public IMemoryManager {
+ public:
+  bool AllocMemory(void** block, unsigned long bytes) override;
+  void FreeMemory(void** block) override;
+
+  long blocksOut() const { return blocksOut_; }
+
+ private:
+  std::atomic<long> blocksOut_ = 0;
+};
+
+// The connection that a component raises its events through, on any thread.
+class HostConnection : public IAddInDefBaseEx {
+ public:
+  explicit HostConnection(EventQueue& events) : events_(events) {}
+
+  void Reserved2() override {}
+  void Reserved3() override {}
+  void Reserved4() override {}
+  void Reserved5() override {}
+  bool SetEventBufferDepth(long depth) override;
+  void Reserved7() override {}
+  bool ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) override;
+  void Reserved9() override {}
+  void Reserved10() override {}
+  void Reserved11() override {}
+  void Reserved12() override {}
+
+  // What the component asked for; -1 before it has.
+  long eventBufferDepth() const { return eventBufferDepth_; }
+
+ private:
+  EventQueue& events_;
+  long eventBufferDepth_ = -1;
+};
+
+// Variants of the host's side. The text of a string variant stays the caller's.
+tVariant emptyVariant();
+tVariant numberVariant(std::int32_t number);
+tVariant boolVariant(bool value);
+tVariant textVariant(const std::u16string& text);
+
+// One initialised component. Used on one thread.
+class Component {
+ public:
+  // Throws std::runtime_error with one line of reason.
+  Component(ComponentLibrary& library, const std::u16string& className);
+  // Closes its devices.
+  ~Component();
+  Component(const Component&) = delete;
+  Component& operator=(const Component&) = delete;
+
+  IComponentBase& object() { return *object_; }
+  EventQueue& events() { return events_; }
+  HostMemory& memory() { return memory_; }
+  HostConnection& connection() { return connection_; }
+
+  // Calls a method by its English name: its result, none when the call failed. A string among
+  // results or outputs is the component's, to be read with takeText, which frees it. Throws
+  // std::runtime_error for a method that the component has not.
+  std::optional<tVariant> call(std::u16string_view method, std::span<tVariant> params = {});
+
+  // The text of a string variant, whose memory is freed.
+  std::u16string takeText(tVariant& variant);
+
+  // Methods with one text as their result or only output.
+  std::u16string version();
+  std::u16string lastError();
+  std::u16string parameters();
+
+  // The seven outputs of the description, texts freed and numbers in decimal.
+  std::vector<std::u16string> description();
+
+  // Whether the parameter is known; a value that is refused is not told.
+  bool setParameter(const std::u16string& name, tVariant value);
+  bool setParameter(const std::u16string& name, const std::u16string& value);
+  bool setParameter(const std::u16string& name, std::int32_t value);
+
+  // The identifier of the opened device, or none.
+  std::optional<std::u16string> open();
+  bool close(const std::u16string& id);
+
+  // Shows the test window until the user closes it.
+  bool test();
+
+ private:
+  std::u16string textOutput(std::u16string_view method);
+
+  ComponentLibrary& library_;
+  HostMemory memory_;
+  EventQueue events_;
+  HostConnection connection_{events_};
+  IComponentBase* object_ = nullptr;
+};
+
+}  // namespace terminal
