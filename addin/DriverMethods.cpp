@@ -1,4 +1,6 @@
 // The handlers of the driver methods.
+#include <QuorvelVersion.h>
+
 #include "addin/Methods.h"
 #include "addin/QuorvelNative.h"
 #include "performer/AppSettings.h"
@@ -8,7 +10,6 @@
 namespace quorvel {
 namespace {
 
-constexpr const wchar_t* kVersion = L"9.0.9.2";
 constexpr const wchar_t* kIdSeparator = L"#";
 constexpr const wchar_t* kDownloadAddress = L"https://support.ostrak.example/input-devices";
 
@@ -41,7 +42,7 @@ const QuorvelNative::Handler QuorvelNative::kHandlers[kMethods.size()] = {
 };
 
 bool QuorvelNative::MethGetVersion(tVariant& result, tVariant*) {
-  result = AllocAndConvertVariant(kVersion);
+  result = AllocAndConvertVariant(kWideVersion);
   return result.wide.text != nullptr;
 }
 

@@ -13,9 +13,14 @@ set(QUORVEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as given to -fsa
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 
+# QuorvelVersion.h gives the sources the version that project() names.
+configure_file("${CMAKE_SOURCE_DIR}/cmake/QuorvelVersion.h.in"
+  "${CMAKE_BINARY_DIR}/generated/QuorvelVersion.h" @ONLY)
+
 add_library(quorvel_build INTERFACE)
 target_compile_features(quorvel_build INTERFACE cxx_std_20)
-target_include_directories(quorvel_build INTERFACE "${CMAKE_SOURCE_DIR}")
+target_include_directories(quorvel_build INTERFACE
+  "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/generated")
 target_compile_options(quorvel_build INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -fPIC -fvisibility=hidden -fvisibility-inlines-hidden -fstack-protector-strong)
