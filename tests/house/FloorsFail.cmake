@@ -7,7 +7,7 @@ cmake_minimum_required(VERSION 3.25)
 function(house_with file include expected)
   file(REMOVE_RECURSE "${SCRATCH}")
   foreach(header IN ITEMS
-      host/Variant.h util/Text.h devices/InputDevice.h parameters/Form.h dialog/Window.h
+      host/Variant.h util/Handles.h util/Text.h devices/InputDevice.h parameters/Form.h dialog/Window.h
       performer/AppSettings.h performer/KeyValue.h performer/Performer.h addin/Component.h
       tools/Host.h tests/rig/Rig.h tests/system/Driver.h)
     file(WRITE "${SCRATCH}/${header}" "#pragma once\n")
@@ -34,6 +34,8 @@ house_with(performer/a.h "\"parameters/Form.h\"" stands)
 house_with(addin/a.cpp "\"performer/AppSettings.h\"" stands)
 house_with(performer/a.cpp "\"performer/KeyValue.h\"" stands)
 house_with(tools/a.cpp "\"host/Variant.h\"" stands)
+house_with(tools/a.cpp "\"util/Handles.h\"" stands)
+house_with(tests/rig/a.cpp "\"util/Handles.h\"" stands)
 house_with(tests/system/a.cpp "\"tools/Host.h\"" stands)
 house_with(tests/system/a.cpp "\"tests/rig/Rig.h\"" stands)
 house_with(tests/unit/a.cpp "\"performer/AppSettings.h\"" stands)

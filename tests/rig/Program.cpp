@@ -20,8 +20,8 @@ namespace rig {
 namespace {
 
 struct Pipe {
-  int reading;
-  int writing;
+  quorvel::FileDescriptor reading;
+  quorvel::FileDescriptor writing;
 };
 
 Pipe makePipe() {
@@ -29,7 +29,7 @@ Pipe makePipe() {
   if (pipe2(ends.data(), O_CLOEXEC) != 0) {
     throw std::system_error(errno, std::generic_category(), "pipe");
   }
-  return {ends[0], ends[1]};
+  return {quorvel::FileDescriptor(ends[0]), quorvel::FileDescriptor(ends[1])};
 }
 
 std::vector<char*> pointersTo(Words& words) {
@@ -71,44 +71,38 @@ pid_t spawn(Words words, const Variables& variables, const std::array<int, 3>& s
 }  // namespace
 
 Program::Program(const Words& words, const Variables& variables) {
-  const Pipe input = makePipe();
-  const Pipe output = makePipe();
-  const Pipe errors = makePipe();
-  process_ = spawn(words, variables, {input.reading, output.writing, errors.writing});
-  for (const int given : {input.reading, output.writing, errors.writing}) ::close(given);
-  input_ = input.writing;
-  output_.descriptor = output.reading;
-  errors_.descriptor = errors.reading;
+  Pipe input = makePipe();
+  Pipe output = makePipe();
+  Pipe errors = makePipe();
+  process_ =
+      spawn(words, variables, {input.reading.get(), output.writing.get(), errors.writing.get()});
+  input_ = std::move(input.writing);
+  output_.descriptor = std::move(output.reading);
+  errors_.descriptor = std::move(errors.reading);
 }
 
 Program::~Program() {
-  endInput();
-  ::close(output_.descriptor);
-  ::close(errors_.descriptor);
   if (process_ < 0) return;
   ::kill(process_, SIGKILL);
   ::waitpid(process_, nullptr, 0);
 }
 
 void Program::write(const std::string& input) {
-  if (::write(input_, input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
+  if (::write(input_.get(), input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
     throw std::system_error(errno, std::generic_category(), "input of a program");
   }
 }
 
-void Program::endInput() {
-  if (input_ >= 0) ::close(input_);
-  input_ = -1;
-}
+void Program::endInput() { input_.reset(); }
 
 void Program::readMore(Stream& stream) {
-  pollfd wait = {stream.descriptor, POLLIN, 0};
+  pollfd wait = {stream.descriptor.get(), POLLIN, 0};
   constexpr auto kTimeout = std::chrono::milliseconds(kPatience).count();
   if (poll(&wait, 1, static_cast<int>(kTimeout)) <= 0) {
     throw std::runtime_error("a program says nothing more: " + stream.unread);
   }
   std::array<char, 4096> bytes;
-  const ssize_t got = ::read(stream.descriptor, bytes.data(), bytes.size());
+  const ssize_t got = ::read(stream.descriptor.get(), bytes.data(), bytes.size());
   stream.atEnd = got <= 0;
   if (got > 0) stream.unread.append(bytes.data(), static_cast<std::size_t>(got));
 }

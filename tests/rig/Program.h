@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "util/Handles.h"
+
 namespace rig {
 
 using Words = std::vector<std::string>;
@@ -46,7 +48,7 @@ class Program {
 
  private:
   struct Stream {
-    int descriptor = -1;
+    quorvel::FileDescriptor descriptor;
     std::string unread;
     bool atEnd = false;
   };
@@ -54,7 +56,7 @@ class Program {
   std::string lineOf(Stream& stream);
 
   pid_t process_ = -1;
-  int input_ = -1;
+  quorvel::FileDescriptor input_;
   Stream output_;
   Stream errors_;
 };

@@ -67,7 +67,7 @@ RawDevice::RawDevice(std::int32_t port, std::int32_t suffixCode)
       holding_(holdingMessage(suffix_)),
       line_(driver_.plugIn(port, terminal::LineSetting::kRaw)),
       port_(::open(line_.port().c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC)) {
-  if (port_ < 0) throw std::runtime_error("cannot look into the line");
+  if (!port_) throw std::runtime_error("cannot look into the line");
   // Starts the component anew, on the connection with the gate.
   driver_.component.object().Init(&gate_);
   driver_.component.setParameter(u"Suffix", suffixCode);
@@ -79,7 +79,6 @@ RawDevice::RawDevice(std::int32_t port, std::int32_t suffixCode)
 RawDevice::~RawDevice() {
   gate_.release();
   driver_.closeAll();
-  ::close(port_);
 }
 
 std::vector<std::u16string> RawDevice::burst(std::string_view bytes) {
@@ -87,7 +86,7 @@ std::vector<std::u16string> RawDevice::burst(std::string_view bytes) {
   line_.send(bytes);
   await("a burst in the line", [&] {
     int queued = 0;
-    ioctl(port_, FIONREAD, &queued);
+    ioctl(port_.get(), FIONREAD, &queued);
     return queued == static_cast<int>(bytes.size());
   });
   gate_.release();

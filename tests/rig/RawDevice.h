@@ -11,6 +11,7 @@
 
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
+#include "util/Handles.h"
 
 namespace rig {
 
@@ -66,7 +67,7 @@ class RawDevice {
   GatedConnection gate_{events_, base64(holding_)};
   SerialDriver driver_;
   terminal::SerialLine& line_;
-  int port_;  // to see what waits in the line
+  quorvel::FileDescriptor port_;  // to see what waits in the line
   pid_t reader_;
 };
 

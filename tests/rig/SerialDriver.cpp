@@ -2,7 +2,6 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -18,17 +17,16 @@ Waking::Waking(std::vector<terminal::SerialLine*> lines)
     : lines_(std::move(lines)), end_(eventfd(0, EFD_CLOEXEC)), thread_([this] { wake(); }) {}
 
 Waking::~Waking() {
-  eventfd_write(end_, 1);
+  eventfd_write(end_.get(), 1);
   thread_.join();
-  ::close(end_);
 }
 
 void Waking::wake() {
   constexpr int kPause = 2;  // milliseconds
-  pollfd end = {end_, POLLIN, 0};
+  pollfd end = {end_.get(), POLLIN, 0};
   do {
     for (terminal::SerialLine* line : lines_) {
-      if (!line->send("\r", end_)) return;
+      if (!line->send("\r", end_.get())) return;
     }
   } while (poll(&end, 1, kPause) == 0);
 }

@@ -9,6 +9,7 @@
 
 #include "tests/rig/Driver.h"
 #include "tools/common/SerialLine.h"
+#include "util/Handles.h"
 
 namespace rig {
 
@@ -29,7 +30,7 @@ class Waking {
   void wake();
 
   std::vector<terminal::SerialLine*> lines_;
-  int end_;
+  quorvel::FileDescriptor end_;
   std::thread thread_;
 };
 

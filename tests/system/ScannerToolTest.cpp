@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 #include "tests/rig/Program.h"
@@ -194,11 +195,10 @@ TEST(ScannerTool, ASlowLineLosesNothingWhenItIsFramed) {
 
 // The bytes of the scanner as they stand in the port.
 std::string readPort(std::size_t count) {
-  const int port = ::open(kUsb1Path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
+  const quorvel::FileDescriptor port(::open(kUsb1Path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC));
   std::string bytes;
   char byte;
-  while (bytes.size() < count && ::read(port, &byte, 1) == 1) bytes += byte;
-  ::close(port);
+  while (bytes.size() < count && ::read(port.get(), &byte, 1) == 1) bytes += byte;
   return bytes;
 }
 
@@ -340,6 +340,19 @@ TEST(ScannerTool, SaysWhereItIsPluggedIn) {
     scanner.signal(SIGTERM);
     EXPECT_EQ(scanner.end().code, 0);
   }
+}
+
+TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
+  // A multiplexer that opens and is none: the step after the opening fails.
+  const std::filesystem::path multiplexer = "/dev/ptmx";
+  const std::filesystem::path real = std::filesystem::read_symlink(multiplexer);
+  std::filesystem::remove(multiplexer);
+  std::filesystem::create_symlink("null", multiplexer);
+  const std::size_t before = rig::descriptorCount();
+  EXPECT_THROW(terminal::SerialLine(terminal::LineSetting::kRaw), std::system_error);
+  EXPECT_EQ(rig::descriptorCount(), before);
+  std::filesystem::remove(multiplexer);
+  std::filesystem::create_symlink(real, multiplexer);
 }
 
 // A scanner whose line is full waits for its reader at rest.

@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/signalfd.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
@@ -15,11 +14,9 @@ EndSignals::EndSignals() {
   sigemptyset(&signals);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  descriptor_ = signalfd(-1, &signals, SFD_CLOEXEC);
-  if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "signalfd");
+  descriptor_ = quorvel::FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC));
+  if (!descriptor_) throw std::system_error(errno, std::generic_category(), "signalfd");
 }
-
-EndSignals::~EndSignals() { close(descriptor_); }
 
 void EndSignals::wait() const {
   while (!wait(std::chrono::hours(1))) {
@@ -27,7 +24,7 @@ void EndSignals::wait() const {
 }
 
 bool EndSignals::wait(std::chrono::microseconds time) const {
-  pollfd end = {descriptor_, POLLIN, 0};
+  pollfd end = {descriptor(), POLLIN, 0};
   const timespec timeout = {static_cast<time_t>(time.count() / 1000000),
                             static_cast<long>(time.count() % 1000000 * 1000)};
   return ppoll(&end, 1, &timeout, nullptr) > 0;

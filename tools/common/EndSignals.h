@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+#include "util/Handles.h"
+
 namespace terminal {
 
 // While it lives, the signals that ask a program to end do not end it; the descriptor becomes
@@ -11,11 +13,8 @@ class EndSignals {
  public:
   // Throws std::system_error.
   EndSignals();
-  ~EndSignals();
-  EndSignals(const EndSignals&) = delete;
-  EndSignals& operator=(const EndSignals&) = delete;
 
-  int descriptor() const { return descriptor_; }
+  int descriptor() const { return descriptor_.get(); }
 
   // Waits until such a signal comes.
   void wait() const;
@@ -23,7 +22,7 @@ class EndSignals {
   bool wait(std::chrono::microseconds time) const;
 
  private:
-  int descriptor_;
+  quorvel::FileDescriptor descriptor_;
 };
 
 }  // namespace terminal

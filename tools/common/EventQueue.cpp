@@ -1,7 +1,6 @@
 #include "tools/common/EventQueue.h"
 
 #include <sys/eventfd.h>
-#include <unistd.h>
 
 #include <system_error>
 
@@ -9,15 +8,13 @@ namespace terminal {
 
 // A semaphore: it counts the events in the queue.
 EventQueue::EventQueue() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE)) {
-  if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
+  if (!descriptor_) throw std::system_error(errno, std::generic_category(), "eventfd");
 }
-
-EventQueue::~EventQueue() { close(descriptor_); }
 
 void EventQueue::push(Event event) {
   const std::lock_guard lock(mutex_);
   events_.push_back(std::move(event));
-  eventfd_write(descriptor_, 1);
+  eventfd_write(descriptor(), 1);
   filled_.notify_one();
 }
 
@@ -27,7 +24,7 @@ std::optional<Event> EventQueue::take(std::chrono::milliseconds patience) {
   Event event = std::move(events_.front());
   events_.pop_front();
   eventfd_t one;
-  eventfd_read(descriptor_, &one);
+  eventfd_read(descriptor(), &one);
   return event;
 }
 

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "util/Handles.h"
+
 namespace terminal {
 
 struct Event {
@@ -22,26 +24,23 @@ struct Event {
 class EventQueue {
  public:
   EventQueue();
-  ~EventQueue();
-  EventQueue(const EventQueue&) = delete;
-  EventQueue& operator=(const EventQueue&) = delete;
 
   void push(Event event);
 
-  // The oldest event; none when there is none within the time.
+  // The oldest event, or nothing when none comes within the time.
   std::optional<Event> take(std::chrono::milliseconds patience);
 
   // The oldest `count` events, or as many as came, each within `patience` of the one before it.
   std::vector<Event> take(std::size_t count, std::chrono::milliseconds patience);
 
   // Readable, for poll(2), while the queue holds something. Owned by the queue.
-  int descriptor() const { return descriptor_; }
+  int descriptor() const { return descriptor_.get(); }
 
  private:
   std::mutex mutex_;
   std::condition_variable filled_;
   std::deque<Event> events_;
-  int descriptor_;
+  quorvel::FileDescriptor descriptor_;
 };
 
 }  // namespace terminal

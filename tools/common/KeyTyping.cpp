@@ -4,12 +4,13 @@
 #include <X11/extensions/XTest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
+
+#include "util/Handles.h"
 
 namespace terminal {
 namespace {
@@ -37,23 +38,10 @@ static_assert(sizeof(Version) == 12 && sizeof(KeyEvent) == 16);
   throw std::system_error(error, std::generic_category(), what);
 }
 
-class Socket {
- public:
-  Socket() : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    if (descriptor_ < 0) throwErrno(errno, "socket");
-  }
-  ~Socket() { close(descriptor_); }
-  Socket(const Socket&) = delete;
-  Socket& operator=(const Socket&) = delete;
-  int get() const { return descriptor_; }
-
- private:
-  const int descriptor_;
-};
-
 class InputTestKeyboard final : public VirtualKeyboard {
  public:
   explicit InputTestKeyboard(const std::string& path) {
+    if (!socket_) throwErrno(errno, "socket");
     connectTo(path);
     send(Version());
     // A driver that has served another connection does not answer.
@@ -86,7 +74,7 @@ class InputTestKeyboard final : public VirtualKeyboard {
     if (sent != sizeof(message)) throwErrno(sent < 0 ? errno : EIO, "keyboard");
   }
 
-  Socket socket_;
+  quorvel::FileDescriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
 };
 
 class XTestKeyboard final : public VirtualKeyboard {

@@ -43,25 +43,25 @@ void setFramed(termios& line) {
 
 SerialLine::SerialLine(LineSetting setting)
     : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK)) {
-  check(master_ >= 0, "cannot open a pseudo terminal");
-  check(grantpt(master_) == 0 && unlockpt(master_) == 0, "cannot unlock the pseudo terminal");
+  check(static_cast<bool>(master_), "cannot open a pseudo terminal");
+  check(grantpt(master_.get()) == 0 && unlockpt(master_.get()) == 0,
+        "cannot unlock the pseudo terminal");
   char path[64];
-  check(ptsname_r(master_, path, sizeof path) == 0, "cannot name the pseudo terminal");
+  check(ptsname_r(master_.get(), path, sizeof path) == 0, "cannot name the pseudo terminal");
   port_ = path;
   // Set through the master: the slave need not be opened, and stays as set until it is.
   termios line;
-  check(tcgetattr(master_, &line) == 0, "cannot read the line setting");
+  check(tcgetattr(master_.get(), &line) == 0, "cannot read the line setting");
   if (setting == LineSetting::kFramed) setFramed(line);
   if (setting == LineSetting::kRaw) cfmakeraw(&line);
-  check(tcsetattr(master_, TCSANOW, &line) == 0, "cannot change the line setting");
+  check(tcsetattr(master_.get(), TCSANOW, &line) == 0, "cannot change the line setting");
   // In packet mode the master learns when a reader discards the queues.
   int on = 1;
-  check(ioctl(master_, TIOCPKT, &on) == 0, "cannot watch the pseudo terminal");
+  check(ioctl(master_.get(), TIOCPKT, &on) == 0, "cannot watch the pseudo terminal");
 }
 
 SerialLine::~SerialLine() {
   if (!link_.empty()) unlink(link_.c_str());
-  close(master_);
 }
 
 void SerialLine::link(const std::string& path) {
@@ -76,7 +76,7 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
         std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     const int timeout =
         patience.count() < 0 ? -1 : static_cast<int>(std::max<long long>(0, left.count()));
-    pollfd waits[] = {{master_, POLLIN, 0}, {cancel, POLLIN, 0}};
+    pollfd waits[] = {{master_.get(), POLLIN, 0}, {cancel, POLLIN, 0}};
     const int ready = poll(waits, 2, timeout);
     if (ready < 0 && errno == EINTR) continue;
     check(ready >= 0, "cannot wait for a reader");
@@ -87,7 +87,7 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
       continue;
     }
     char packet[1024];
-    check(read(master_, packet, sizeof packet) > 0, "cannot watch the reader");
+    check(read(master_.get(), packet, sizeof packet) > 0, "cannot watch the reader");
     // The reader's input queue is discarded first, its output queue last.
     if (packet[0] & TIOCPKT_FLUSHWRITE) return true;
   }
@@ -95,14 +95,14 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
 
 bool SerialLine::send(std::string_view bytes, int cancel) {
   while (!bytes.empty()) {
-    pollfd waits[] = {{master_, POLLOUT, 0}, {cancel, POLLIN, 0}};
+    pollfd waits[] = {{master_.get(), POLLOUT, 0}, {cancel, POLLIN, 0}};
     if (poll(waits, 2, -1) < 0) continue;
     if (waits[1].revents) return false;
     if (!(waits[0].revents & POLLOUT)) {
       rest(cancel);
       continue;
     }
-    const ssize_t written = write(master_, bytes.data(), bytes.size());
+    const ssize_t written = write(master_.get(), bytes.data(), bytes.size());
     if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     check(written >= 0, "cannot send");
     bytes.remove_prefix(static_cast<std::size_t>(written));

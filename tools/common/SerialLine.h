@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "util/Handles.h"
+
 namespace terminal {
 
 // The line discipline decides what a reader of the port sees of a scan.
@@ -46,7 +48,7 @@ class SerialLine {
   bool sendSlowly(std::string_view bytes, std::chrono::microseconds pause, int cancel = -1);
 
  private:
-  int master_;
+  quorvel::FileDescriptor master_;
   std::string port_;
   std::string link_;
 };

@@ -30,9 +30,9 @@ std::string suffixFrom(const std::string& codes) {
   return suffix;
 }
 
-int openSource(const std::string& file) {
-  if (file.empty() || file == "-") return dup(STDIN_FILENO);
-  return open(file.c_str(), O_RDONLY | O_CLOEXEC);
+quorvel::FileDescriptor openSource(const std::string& file) {
+  if (file.empty() || file == "-") return quorvel::FileDescriptor(dup(STDIN_FILENO));
+  return quorvel::FileDescriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
 }
 
 // The byte of the escape at `text[at]`, the character after the backslash; `at` moves to its end.
@@ -87,12 +87,8 @@ ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
       std::transform(texts_.begin(), texts_.end(), texts_.begin(), withoutEscapes);
     return;
   }
-  descriptor_ = openSource(options.file);
-  if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), options.file);
-}
-
-ScanSource::~ScanSource() {
-  if (descriptor_ >= 0) close(descriptor_);
+  file_ = openSource(options.file);
+  if (!file_) throw std::system_error(errno, std::generic_category(), options.file);
 }
 
 std::optional<std::string> ScanSource::nextBurst(const EndSignals& end) {
@@ -106,7 +102,7 @@ std::optional<std::string> ScanSource::nextBurst(const EndSignals& end) {
 }
 
 std::optional<std::string> ScanSource::next(const EndSignals& end) {
-  if (descriptor_ < 0) {
+  if (!file_) {
     return position_ < texts_.size() ? std::optional(texts_[position_++]) : std::nullopt;
   }
   std::optional<std::string> line = nextLine(end);
@@ -123,11 +119,11 @@ std::optional<std::string> ScanSource::nextLine(const EndSignals& end) {
       return line;
     }
     if (ended_) return std::nullopt;
-    pollfd waits[] = {{descriptor_, POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
+    pollfd waits[] = {{file_.get(), POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
     if (poll(waits, 2, -1) < 0) continue;
     if (waits[1].revents) return std::nullopt;
     char buffer[4096];
-    const ssize_t got = read(descriptor_, buffer, sizeof buffer);
+    const ssize_t got = read(file_.get(), buffer, sizeof buffer);
     if (got < 0 && errno != EINTR) {
       throw std::system_error(errno, std::generic_category(), say(kCannotRead));
     }

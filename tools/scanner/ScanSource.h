@@ -8,6 +8,7 @@
 
 #include "tools/common/CommandLine.h"
 #include "tools/common/EndSignals.h"
+#include "util/Handles.h"
 
 namespace terminal {
 
@@ -31,9 +32,6 @@ class ScanSource {
   // that cannot be opened, UsageError for a text and a file together and for an escape that is
   // none.
   ScanSource(const ScanOptions& options, Arguments texts);
-  ~ScanSource();
-  ScanSource(const ScanSource&) = delete;
-  ScanSource& operator=(const ScanSource&) = delete;
 
   // The bytes of the next scans up to a pause, their suffixes included; none at the end or when a
   // signal asks for it. Throws UsageError for a line with an escape that is none, std::system_error
@@ -47,8 +45,8 @@ class ScanSource {
   const ScanOptions options_;
   Arguments texts_;
   std::size_t position_ = 0;
-  int descriptor_ = -1;  // of the file, -1 when the texts are given
-  std::string pending_;  // read and not yet given out
+  quorvel::FileDescriptor file_;  // where the texts come from, unless they were given
+  std::string pending_;           // read and not yet given out
   bool ended_ = false;
 };
 
