@@ -2,6 +2,10 @@
 #include <pthread.h>
 
 #include <csignal>
+#include <memory>
+#include <new>
+#include <semaphore>
+#include <string>
 
 #include "util/PosixThread.h"
 
@@ -26,7 +30,7 @@ std::string blockedSignals(const sigset_t& mask) {
   return text;
 }
 
-// No thread has so much stack.
+// While it lives, no thread can be created: none can have so much stack.
 class ImpossibleThreads {
  public:
   ImpossibleThreads() {
@@ -54,7 +58,7 @@ TEST(PosixThread, RunsTheFunctionOnAThreadOfItsOwn) {
   EXPECT_FALSE(pthread_equal(runner, pthread_self()));
 }
 
-TEST(PosixThread, IsDeafToTheHostsSignals) {
+TEST(PosixThread, BlocksAsynchronousSignalsButNoFaults) {
   sigset_t inside;
   sigemptyset(&inside);
   PosixThread thread;
@@ -63,6 +67,37 @@ TEST(PosixThread, IsDeafToTheHostsSignals) {
   for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGALRM, SIGCHLD, SIGUSR1, SIGRTMAX}) {
     EXPECT_EQ(sigismember(&inside, number), 1) << number;
   }
+  for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS}) {
+    EXPECT_EQ(sigismember(&inside, fault), 0) << fault;
+  }
+}
+
+void* keepStackSize(void* size) {
+  pthread_attr_t own;
+  pthread_getattr_np(pthread_self(), &own);
+  void* lowest = nullptr;
+  pthread_attr_getstack(&own, &lowest, static_cast<std::size_t*>(size));
+  pthread_attr_destroy(&own);
+  return nullptr;
+}
+
+// In a thread that was started with the argument.
+std::size_t stackSize(std::size_t stackBytes) {
+  std::size_t size = 0;
+  PosixThread thread;
+  EXPECT_TRUE(thread.start(keepStackSize, &size, stackBytes));
+  thread.join();
+  return size;
+}
+
+TEST(PosixThread, HasTheDefaultStackUnlessToldOtherwise) {
+  EXPECT_LT(stackSize(kSmallStack), 2 * kSmallStack);
+  EXPECT_GT(stackSize(kSmallStack), kSmallStack / 2);
+  EXPECT_GT(stackSize(0), 2 * kSmallStack);
+}
+
+TEST(PosixThread, HasTheDefaultStackWhereTheSystemRefusesASmallOne) {
+  EXPECT_GT(stackSize(1), 2 * kSmallStack);
 }
 
 TEST(PosixThread, LeavesTheSignalsOfItsStarterAlone) {
@@ -80,7 +115,7 @@ TEST(PosixThread, LeavesTheSignalsOfItsStarterAlone) {
   EXPECT_EQ(blockedSignals(after), blockedSignals(before));
 }
 
-TEST(PosixThread, ThatWasNotStartedIsNotWaitedFor) {
+TEST(PosixThread, IsNotWaitedForWhenItWasNotStarted) {
   PosixThread thread;
   thread.join();
   thread.join();
@@ -94,7 +129,37 @@ TEST(PosixThread, IsWaitedForOnce) {
   thread.join();
 }
 
-TEST(PosixThread, SaysWhenThereIsNoThreadToBeHad) {
+// A thread that joins itself.
+struct SelfJoining {
+  void run() {
+    ASSERT_TRUE(thread->start(
+        [](void* self) {
+          static_cast<SelfJoining*>(self)->joinItself();
+          return static_cast<void*>(nullptr);
+        },
+        this));
+    started.release();
+  }
+  void joinItself() {
+    started.acquire();
+    thread->join();
+    thread.reset();
+    goesOn.release();
+  }
+
+  std::unique_ptr<PosixThread> thread = std::make_unique<PosixThread>();
+  std::binary_semaphore started{0};
+  std::binary_semaphore goesOn{0};
+};
+
+TEST(PosixThread, GoesOnAloneWhenItJoinsItself) {
+  SelfJoining joining;
+  joining.run();
+  joining.goesOn.acquire();
+  EXPECT_EQ(joining.thread, nullptr);
+}
+
+TEST(PosixThread, SaysThatItCannotBeCreated) {
   sigset_t before, after;
   pthread_sigmask(SIG_SETMASK, nullptr, &before);
   const ImpossibleThreads impossible;
@@ -104,6 +169,39 @@ TEST(PosixThread, SaysWhenThereIsNoThreadToBeHad) {
   thread.join();
   pthread_sigmask(SIG_SETMASK, nullptr, &after);
   EXPECT_EQ(blockedSignals(after), blockedSignals(before));
+}
+
+TEST(DropExceptions, TellsWhetherSomethingWasThrown) {
+  EXPECT_TRUE(dropExceptions([] {}));
+  EXPECT_FALSE(dropExceptions([] { throw std::bad_alloc(); }));
+  EXPECT_FALSE(dropExceptions([] { throw 1; }));
+}
+
+// What a thread was seen doing that ends in the middle of an operation.
+struct Seen {
+  bool unwound = false;
+  bool wentOn = false;
+};
+
+void* endInOperation(void* argument) {
+  auto& seen = *static_cast<Seen*>(argument);
+  struct Unwound {
+    ~Unwound() { flag = true; }
+    bool& flag;
+  };
+  const Unwound unwound{seen.unwound};
+  dropExceptions([] { pthread_exit(nullptr); });
+  seen.wentOn = true;
+  return nullptr;
+}
+
+TEST(DropExceptions, LetsAThreadEndInTheMiddle) {
+  Seen seen;
+  PosixThread thread;
+  ASSERT_TRUE(thread.start(endInOperation, &seen));
+  thread.join();
+  EXPECT_TRUE(seen.unwound);
+  EXPECT_FALSE(seen.wentOn);
 }
 
 }  // namespace
