@@ -12,6 +12,7 @@
 
 #include "devices/KeyboardList.h"
 #include "devices/NonPrintableKeys.h"
+#include "devices/XQueries.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
 #include "util/Log.h"
@@ -29,7 +30,8 @@ char endByteOf(const std::wstring& suffix, char otherwise) {
   return count == 0 || count == static_cast<std::size_t>(-1) ? otherwise : bytes[count - 1];
 }
 
-// Trimmed names are ASCII, so the low bytes are the name. It ends at a zero, as the server's do.
+// Cleaned names are ASCII, so the low bytes are the name. It ends at a zero, as the server's names
+// do.
 std::string lowBytes(const std::wstring& text) {
   std::string bytes;
   for (const wchar_t symbol : text) {
@@ -40,7 +42,7 @@ std::string lowBytes(const std::wstring& text) {
   return bytes;
 }
 
-// The device of this name; the last one when there are several, -1 when there is none.
+// The id of the device with this name: the last one when there are several, -1 without one.
 int findDevice(const XConnection& connection, const std::string& name) {
   int id = -1;
   for (const XInputDevice& device : listXInputDevices(connection)) {
@@ -79,39 +81,45 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
 bool InputDeviceKeyboard::connect() {
   connection_ = XConnection::open();
   if (!connection_) return false;
-  int firstEvent = 0, firstError = 0;
-  if (!XQueryExtension(connection_.get(), "XInputExtension", &inputExtension_, &firstEvent,
-                       &firstError)) {
-    return false;
-  }
-  // The server sends events of the version that a client has asked about.
-  int major = 2, minor = 0;
-  XIQueryVersion(connection_.get(), &major, &minor);
+  connection_.call([this](Display* display) {
+    int firstEvent = 0, firstError = 0, major = 2, minor = 0;
+    if (!XQueryExtension(display, "XInputExtension", &inputExtension_, &firstEvent, &firstError)) {
+      return;
+    }
+    // The server sends events of the version that a client has asked about.
+    XIQueryVersion(display, &major, &minor);
+  });
+  if (connection_.lost() || inputExtension_ == 0) return false;
   root_ = DefaultRootWindow(connection_.get());
   focus_.emplace(connection_);
   return true;
 }
 
 bool InputDeviceKeyboard::subscribe() {
-  // The length of one byte cuts the mask off before the raw events.
-  unsigned char bits[] = {0x0C, 0x60};
-  XIEventMask mask{.deviceid = deviceId_, .mask_len = 1, .mask = bits};
-  Display* const display = connection_.get();
-  if (listenOnly_) {
-    const bool selected = XISelectEvents(display, root_, &mask, 1) == Success;
-    // Listening begins when the server has taken the request, and not when it is sent.
-    XSync(display, False);
-    return selected;
-  }
-  return XIGrabDevice(display, deviceId_, root_, CurrentTime, None, XIGrabModeAsync,
-                      XIGrabModeAsync, False, &mask) == XIGrabSuccess;
+  unsigned char bits[XIMaskLen(XI_KeyRelease)] = {};
+  XISetMask(bits, XI_KeyPress);
+  XISetMask(bits, XI_KeyRelease);
+  XIEventMask mask{.deviceid = deviceId_, .mask_len = sizeof(bits), .mask = bits};
+  int status = BadImplementation;
+  connection_.call([&](Display* display) {
+    if (listenOnly_) {
+      status = XISelectEvents(display, root_, &mask, 1);
+      // Listening begins when the server has taken the request, not when it is sent.
+      XSync(display, False);
+    } else {
+      status = XIGrabDevice(display, deviceId_, root_, CurrentTime, None, XIGrabModeAsync,
+                            XIGrabModeAsync, False, &mask);
+    }
+  });
+  // Also XIGrabSuccess.
+  return status == Success;
 }
 
 void InputDeviceKeyboard::ungrab() const {
   // X servers crash when a device is ungrabbed that is switched off, as all are while another
   // virtual terminal is in front.
   if (!isXInputDeviceEnabled(connection_, deviceId_)) return;
-  XIUngrabDevice(connection_.get(), deviceId_, CurrentTime);
+  connection_.call([this](Display* display) { XIUngrabDevice(display, deviceId_, CurrentTime); });
 }
 
 void* InputDeviceKeyboard::ThreadFunction(void* device) {
@@ -122,46 +130,59 @@ void* InputDeviceKeyboard::ThreadFunction(void* device) {
 void InputDeviceKeyboard::ReadThread() noexcept {
   while (running_ && !connection_.lost()) {
     try {
-      if (XPending(connection_.get()) > 0) {
-        takeNextEvent();
+      XEvent event;
+      if (nextEvent(event)) {
+        takeEvent(event);
       } else {
         waitForInput();
       }
     } catch (...) {
-      // One message is lost to what its receiver throws, or to a lack of memory, not the next ones.
+      // An exception from the receiver, or a lack of memory, loses one message and not the next
+      // ones.
     }
   }
   ungrab();
   try {
     log(std::string(115, '-'));
   } catch (...) {
-    // A reader that cannot write its last line has ended all the same.
+    // The log line is not worth the process.
   }
 }
 
+bool InputDeviceKeyboard::nextEvent(XEvent& event) const {
+  bool taken = false;
+  connection_.call([&](Display* display) {
+    taken = XPending(display) > 0;
+    if (taken) XNextEvent(display, &event);
+  });
+  return taken;
+}
+
+// Without a timeout: waking up every millisecond to look at the flag would cost more than a
+// hundredth of a core for as long as the host runs.
 void InputDeviceKeyboard::waitForInput() const {
-  // Without a limit of time: to look at the flag every millisecond would cost more than a hundredth
-  // of a core for as long as the host runs.
+  if (connection_.lost()) return;
   pollfd waits[] = {{.fd = ConnectionNumber(connection_.get()), .events = POLLIN, .revents = 0},
                     {.fd = stop_.get(), .events = POLLIN, .revents = 0}};
   poll(waits, std::size(waits), -1);
 }
 
-void InputDeviceKeyboard::takeNextEvent() {
-  XEvent event;
-  XNextEvent(connection_.get(), &event);
+void InputDeviceKeyboard::takeEvent(XEvent& event) {
   const XEventData data(connection_, event);
   if (const auto* key = data.as<XIDeviceEvent>(inputExtension_, XI_KeyPress)) {
-    if (!focus_->isAnotherProcess()) takeKey(*key);
+    if (!focus_->belongsToAnotherProcess()) takeKey(*key);
   } else if (!data.as<XIDeviceEvent>(inputExtension_, XI_KeyRelease)) {
-    focus_->notice(event);
+    focus_->handle(event);
   }
 }
 
 void InputDeviceKeyboard::takeKey(const XIDeviceEvent& key) {
   const int modifiers = key.mods.base;
-  const KeySym keysym = XkbKeycodeToKeysym(connection_.get(), static_cast<KeyCode>(key.detail), 0,
-                                           modifiers & ShiftMask);
+  KeySym keysym = NoSymbol;
+  connection_.call([&](Display* display) {
+    keysym =
+        XkbKeycodeToKeysym(display, static_cast<KeyCode>(key.detail), 0, modifiers & ShiftMask);
+  });
   if (isGroupSeparator(keysym, modifiers)) {
     message_ += kGroupSeparatorByte;
     return;
@@ -189,10 +210,13 @@ bool InputDeviceKeyboard::isGroupSeparator(unsigned long keysym, int modifiers) 
 
 std::optional<char> InputDeviceKeyboard::byteTyped(unsigned long keysym, int modifiers) const {
   char text[100] = {};
-  KeySym symbol = keysym;
-  int missing = 0;
-  const int count = XkbTranslateKeySym(connection_.get(), &symbol, static_cast<unsigned>(modifiers),
-                                       text, sizeof(text), &missing);
+  int count = 0;
+  connection_.call([&](Display* display) {
+    KeySym symbol = keysym;
+    int missing = 0;
+    count = XkbTranslateKeySym(display, &symbol, static_cast<unsigned>(modifiers), text,
+                               sizeof(text), &missing);
+  });
   return count > 0 ? std::optional(text[0]) : std::nullopt;
 }
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "devices/FocusOwner.h"
+#include "devices/FocusTracker.h"
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
 #include "devices/XConnection.h"
@@ -17,18 +17,18 @@
 namespace quorvel {
 
 // Reads the keys of one X input device into messages, each ended by the end byte. The keyboard is
-// grabbed, so that what it types reaches nobody else; or it is shared, when listening only. A key
-// typed while a window of another process has the focus is ignored.
+// grabbed, so that no other client gets its keys, or shared when listening only. Keys typed while a
+// window of another process has the focus are ignored.
 class InputDeviceKeyboard : public InputDevice {
  public:
   explicit InputDeviceKeyboard(const DataCallback& callback) : InputDevice(callback) {}
 
-  // Waits for a message that is being delivered; else it takes a few milliseconds.
+  // Waits for a message that is being delivered; otherwise takes a few milliseconds.
   ~InputDeviceKeyboard() override;
 
-  // Takes hold of the factory's keyboard and starts the reader thread. False when there is no
-  // display, no device of that name, someone else has grabbed it, or no thread is to be had. Called
-  // once, by the factory.
+  // Grabs or listens to the factory's keyboard and starts the reader thread. False when there is no
+  // display or no device of that name, when another client has grabbed it, or when no thread can be
+  // created. Called once, by the factory.
   bool start(const InputDeviceKeyboardFactory& factory);
 
  private:
@@ -38,18 +38,20 @@ class InputDeviceKeyboard : public InputDevice {
 
   static void* ThreadFunction(void* device);
   void ReadThread() noexcept;
-  // Rests until there is something to be read from the display connection, or the device stops.
+  // The next event that the server has sent; false when there is none, or the connection is lost.
+  bool nextEvent(XEvent& event) const;
+  // Waits for something to read from the display connection, or for the device to stop.
   void waitForInput() const;
-  void takeNextEvent();
+  void takeEvent(XEvent& event);
   void takeKey(const XIDeviceEvent& key);
   bool isGroupSeparator(unsigned long keysym, int modifiers) const;
-  // The byte that a key with this symbol types; none for a key that types nothing.
+  // The byte that a key with this symbol types, if it types any.
   std::optional<char> byteTyped(unsigned long keysym, int modifiers) const;
   void deliverMessage();
 
   PosixThread thread_;
   std::atomic<bool> running_ = false;
-  FileDescriptor stop_;  // readable when the reader is to look at the flag
+  FileDescriptor stop_;  // becomes readable when the reader is to stop
   char endByte_ = '\r';
   unsigned long groupSeparator_ = 0;  // keysym; 0 is no key
   XConnection connection_;
@@ -59,7 +61,7 @@ class InputDeviceKeyboard : public InputDevice {
 
   // Of the reader thread.
   int inputExtension_ = 0;  // the major opcode of its events
-  std::optional<FocusOwner> focus_;
+  std::optional<FocusTracker> focus_;
   std::string message_;  // its bytes so far
 };
 

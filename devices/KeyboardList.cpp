@@ -3,14 +3,17 @@
 #include <X11/extensions/XInput2.h>
 
 #include <map>
+#include <memory>
+#include <utility>
 
 #include "devices/XConnection.h"
+#include "devices/XQueries.h"
 #include "util/SymbolNames.h"
 
 namespace quorvel {
 namespace {
 
-// Most devices share a few types, so each type is asked for once.
+// Most devices share a few types, so ask for the name of each type once.
 std::map<Atom, std::string> typeNames(const XConnection& connection, const XDeviceList& devices) {
   std::map<Atom, std::string> names;
   for (const XDeviceInfo& device : devices) {
@@ -51,7 +54,9 @@ bool isXInputDeviceEnabled(const XConnection& connection, int id) {
     void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
   };
   int count = 0;
-  const std::unique_ptr<XIDeviceInfo, Freer> devices(XIQueryDevice(connection.get(), id, &count));
+  XIDeviceInfo* found = nullptr;
+  connection.call([&](Display* display) { found = XIQueryDevice(display, id, &count); });
+  const std::unique_ptr<XIDeviceInfo, Freer> devices(found);
   return devices && count > 0 && devices->enabled;
 }
 

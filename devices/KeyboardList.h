@@ -1,4 +1,4 @@
-// The input devices that the X server knows.
+// The input devices of the X server.
 #pragma once
 
 #include <string>
@@ -19,7 +19,8 @@ struct XInputDevice {
 // Empty when the connection is empty or lost.
 std::vector<XInputDevice> listXInputDevices(const XConnection& connection);
 
-// Whether the X server has a device of this number and reads it. False when the connection is lost.
+// Whether the X server has a device of this id and it is switched on. False when the connection is
+// lost.
 bool isXInputDeviceEnabled(const XConnection& connection, int id);
 
 }  // namespace quorvel

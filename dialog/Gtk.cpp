@@ -2,7 +2,7 @@
 
 #include <gdk/gdkx.h>
 
-#include "devices/XConnection.h"
+#include "devices/XErrors.h"
 
 namespace quorvel {
 namespace {

@@ -57,16 +57,15 @@ class Restlessness {
 
 TEST_F(KeyboardFaultsTest, NoKeyIsLostToWindowsThatComeAndGo) {
   constexpr int kScans = 250;
+  constexpr unsigned kWindows = 100;
   const std::string text = "0123456789abcdefghi";  // with its Return twenty keys
   Driver driver;
   driver.openKeyboard(u"Scanner");
   const Restlessness restlessness(server_.display());
-  for (int scan = 0; scan < kScans; ++scan) {
+  for (int scan = 0; scan < kScans || restlessness.windows() < kWindows; ++scan) {
     type(server_.keyboard(0), text + "\r");
     ASSERT_EQ(driver.event().data, std::u16string(text.begin(), text.end())) << "scan " << scan;
   }
-  RecordProperty("windows", static_cast<int>(restlessness.windows()));
-  EXPECT_GT(restlessness.windows(), 100U);
 }
 
 TEST_F(KeyboardFaultsTest, NoKeyIsLostOfAFlood) {

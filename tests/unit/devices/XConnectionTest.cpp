@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "devices/XConnection.h"
+#include "devices/XQueries.h"
 #include "tests/rig/BrokenXServer.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/XServer.h"

@@ -1,0 +1,91 @@
+#include "devices/FocusTracker.h"
+
+#include <X11/extensions/XInput2.h>
+#include <unistd.h>
+
+#include "devices/XQueries.h"
+
+namespace quorvel {
+namespace {
+
+void selectFocusEvents(const XConnection& connection, Window window, bool wanted) {
+  unsigned char bits[XIMaskLen(XI_FocusOut)] = {};
+  if (wanted) {
+    XISetMask(bits, XI_FocusIn);
+    XISetMask(bits, XI_FocusOut);
+  }
+  XIEventMask mask{.deviceid = XIAllMasterDevices, .mask_len = sizeof(bits), .mask = bits};
+  connection.call([&](Display* display) { XISelectEvents(display, window, &mask, 1); });
+}
+
+}  // namespace
+
+// Creates the atom where it does not exist yet: a window may get the property at any time.
+FocusTracker::FocusTracker(const XConnection& connection) : connection_(connection) {
+  connection_.call(
+      [this](Display* display) { processId_ = XInternAtom(display, "_NET_WM_PID", False); });
+}
+
+bool FocusTracker::belongsToAnotherProcess() {
+  if (!cached_) {
+    unwatch();
+    answer_ = query();
+  }
+  return answer_;
+}
+
+void FocusTracker::handle(const XEvent& event) {
+  const bool unrelated = event.type == PropertyNotify && event.xproperty.atom != processId_;
+  if (!unrelated) cached_ = false;
+}
+
+// Selects events before querying, or a change in between is missed. Reparenting needs no event of
+// its own: the server unmaps the window first, which takes the focus from it.
+bool FocusTracker::query() {
+  const Window focus = focusWindow();
+  watchFocus(focus == None ? DefaultRootWindow(connection_.get()) : focus);
+  cached_ = focusWindow() == focus;
+  return focus != None && ancestorsBelongToAnotherProcess(focus);
+}
+
+Window FocusTracker::focusWindow() const {
+  Window focus = None;
+  int revertTo = 0;
+  connection_.call([&](Display* display) { XGetInputFocus(display, &focus, &revertTo); });
+  return focus == PointerRoot ? None : focus;
+}
+
+bool FocusTracker::ancestorsBelongToAnotherProcess(Window window) {
+  std::optional<Window> parent;
+  while ((parent = parentOf(connection_, window))) {
+    if (*parent == None) return false;
+    watchProcess(*parent);
+    const CardinalProperty process = readCardinal(connection_, *parent, processId_);
+    if (!process.windowExists) break;
+    if (process.value) return static_cast<pid_t>(*process.value) != getpid();
+    window = *parent;
+  }
+  cached_ = false;
+  return false;
+}
+
+void FocusTracker::watchProcess(Window window) {
+  connection_.call([=](Display* display) { XSelectInput(display, window, PropertyChangeMask); });
+  ancestors_.push_back(window);
+}
+
+void FocusTracker::watchFocus(Window window) {
+  selectFocusEvents(connection_, window, true);
+  focus_ = window;
+}
+
+void FocusTracker::unwatch() {
+  if (focus_ != None) selectFocusEvents(connection_, focus_, false);
+  focus_ = None;
+  for (const Window window : ancestors_) {
+    connection_.call([=](Display* display) { XSelectInput(display, window, NoEventMask); });
+  }
+  ancestors_.clear();
+}
+
+}  // namespace quorvel
