@@ -8,7 +8,7 @@
 
 #include "devices/XConnection.h"
 #include "devices/XQueries.h"
-#include "util/SymbolNames.h"
+#include "util/DeviceNames.h"
 
 namespace quorvel {
 namespace {
@@ -26,11 +26,6 @@ std::map<Atom, std::string> typeNames(const XConnection& connection, const XDevi
   return names;
 }
 
-std::string trimmed(std::string name) {
-  TrimXMLIllegalChars(name);
-  return name;
-}
-
 }  // namespace
 
 std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
@@ -43,7 +38,7 @@ std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
     const auto type = typeNamesByAtom.find(device.type);
     result.push_back({.id = static_cast<int>(device.id),
                       .rawName = name,
-                      .name = trimmed(name),
+                      .name = settingsDeviceName(name),
                       .isKeyboard = type != typeNamesByAtom.end() && type->second == "KEYBOARD"});
   }
   return result;

@@ -11,7 +11,7 @@ class XConnection;
 struct XInputDevice {
   int id;
   std::string rawName;  // as the X server has it, in whatever encoding
-  std::string name;     // with TrimXMLIllegalChars applied: how settings and users know the device
+  std::string name;     // as settingsDeviceName makes it: how settings and users know the device
   bool isKeyboard;      // its type is exactly "KEYBOARD"
 };
 

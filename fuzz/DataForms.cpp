@@ -6,7 +6,7 @@
 #include "util/Base64.h"
 #include "util/CodePages.h"
 #include "util/HumanReadable.h"
-#include "util/SymbolNames.h"
+#include "util/DeviceNames.h"
 #include "util/Text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,7 +1,7 @@
 #include "util/SymbolNames.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 namespace quorvel {
@@ -13,8 +13,6 @@ constexpr std::array<std::wstring_view, 33> kNames = {
     L"SYN", L"ETB", L"CAN", L"EM",  L"SUB", L"ESC", L"FS",  L"GS",  L"RS",  L"US",  L"SPACE"};
 
 constexpr std::uint32_t kDelete = 127;
-
-constexpr std::string_view kXMLIllegal = "&<>\"'";
 
 // wchar_t is signed in this ABI; a code is not.
 std::uint32_t codeOf(wchar_t symbol) { return static_cast<std::uint32_t>(symbol); }
@@ -33,14 +31,5 @@ std::wstring FormatSymbolForDisplay(wchar_t symbol) {
 }
 
 std::wstring FormatSymbolAsNumber(wchar_t symbol) { return std::to_wstring(codeOf(symbol)); }
-
-bool NotASCII(char byte) { return (byte & 0x80) != 0; }
-
-bool TrimXMLIllegalChars(std::string& text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char byte) { return NotASCII(byte) || kXMLIllegal.find(byte) != kXMLIllegal.npos; }, ' ');
-  return true;
-}
 
 }  // namespace quorvel

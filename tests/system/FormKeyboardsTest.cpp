@@ -35,10 +35,10 @@ struct Desktop {
   rig::Driver driver;
 };
 
-// What the form makes of a name: a blank for each byte that it cannot carry.
+// The name as the form lists it: a space for each byte that it cannot carry.
 std::string cleaned(std::string name) {
   for (char& byte : name) {
-    const bool plain = byte > 0 && std::string("&<>\"'").find(byte) == std::string::npos;
+    const bool plain = byte >= ' ' && std::string("&<>\"'").find(byte) == std::string::npos;
     if (!plain) byte = ' ';
   }
   return name;
@@ -65,6 +65,12 @@ TEST(FormKeyboards, NamesLoseWhatXmlCannotCarry) {
       desktop.document(), expected::settingsForm("ru", "",
                                                  item("AT T Scanner  B ") + item("O Neill") +
                                                      item("             2") + item("Plain"))));
+}
+
+TEST(FormKeyboards, ControlCharactersInANameBecomeSpaces) {
+  Desktop desktop({"Tab\tScanner\x01"});
+  EXPECT_TRUE(rig::isWellFormed(desktop.document()));
+  EXPECT_THAT(desktop.listed(), ElementsAre("Tab Scanner "));
 }
 
 TEST(FormKeyboards, TwoOfOneNameAreListedTwiceInTheServersOrder) {

@@ -57,38 +57,5 @@ TEST(SymbolNames, NumbersAreUnsignedAndUnpadded) {
   EXPECT_EQ(FormatSymbolAsNumber(static_cast<wchar_t>(-1)), L"4294967295");
 }
 
-TEST(XMLTrimming, ReplacesMarkupBySpaces) {
-  std::string text = "a&b<c>\"d'e";
-  EXPECT_TRUE(TrimXMLIllegalChars(text));
-  EXPECT_EQ(text, "a b c  d e");
-}
-
-TEST(XMLTrimming, LeavesPlainAsciiAndAnEmptyText) {
-  std::string plain = "AT101 Translated Set 2 keyboard (1)/#;";
-  EXPECT_TRUE(TrimXMLIllegalChars(plain));
-  EXPECT_EQ(plain, "AT101 Translated Set 2 keyboard (1)/#;");
-  std::string empty;
-  EXPECT_TRUE(TrimXMLIllegalChars(empty));
-  EXPECT_EQ(empty, "");
-}
-
-TEST(XMLTrimming, ReplacesEachByteOfALetterOutsideAscii) {
-  std::string text = "a\xD0\x96z";
-  EXPECT_TRUE(TrimXMLIllegalChars(text));
-  EXPECT_EQ(text, "a  z");
-}
-
-TEST(XMLTrimming, ReplacesExactlyTheIllegalBytes) {
-  const std::string markup = "&<>\"'";
-  for (int byte = 0; byte < 256; ++byte) {
-    const char character = static_cast<char>(byte);
-    const bool illegal = byte >= 0x80 || markup.find(character) != markup.npos;
-    std::string text(1, character);
-    EXPECT_TRUE(TrimXMLIllegalChars(text));
-    EXPECT_EQ(text, std::string(1, illegal ? ' ' : character)) << byte;
-    EXPECT_EQ(NotASCII(character), byte >= 0x80) << byte;
-  }
-}
-
 }  // namespace
 }  // namespace quorvel
