@@ -1,10 +1,14 @@
-// The handlers of the driver methods.
+// The driver methods of QuorvelNative: their table and their handlers.
 #include <QuorvelVersion.h>
 
-#include "addin/Methods.h"
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include "addin/QuorvelNative.h"
 #include "performer/AppSettings.h"
-#include "util/Text.h"
+#include "util/Language.h"
 #include "util/Variants.h"
 
 namespace quorvel {
@@ -13,33 +17,45 @@ namespace {
 constexpr const wchar_t* kIdSeparator = L"#";
 constexpr const wchar_t* kDownloadAddress = L"https://support.ostrak.example/input-devices";
 
-struct Description {
-  const wchar_t* driverName;
-  const wchar_t* driverDescription;
-};
+constexpr Bilingual kDriverName = {L"Ostrak: Драйвер устройств ввода",
+                                   L"Ostrak: Input device driver"};
+constexpr Bilingual kDriverDescription = {L"Драйвер для подключения устройств ввода",
+                                          L"Driver for input devices"};
 
-constexpr Description kRussianDescription = {L"Ostrak: Драйвер устройств ввода",
-                                             L"Драйвер для подключения устройств ввода"};
-constexpr Description kEnglishDescription = {L"Ostrak: Input device driver",
-                                             L"Driver for input devices"};
-
-// GetLastError has no other code: there is one error.
+// The only code of GetLastError.
 constexpr std::int32_t kErrorCode = 1;
 
 }  // namespace
 
-const QuorvelNative::Handler QuorvelNative::kHandlers[kMethods.size()] = {
-    &QuorvelNative::MethGetVersion,
-    &QuorvelNative::MethGetDescription,
-    &QuorvelNative::MethGetLastError,
-    &QuorvelNative::MethGetParameters,
-    &QuorvelNative::MethSetParameter,
-    &QuorvelNative::MethOpen,
-    &QuorvelNative::MethClose,
-    &QuorvelNative::MethDeviceTest,
-    &QuorvelNative::MethGetAdditionalActions,
-    &QuorvelNative::MethDoAdditionalAction,
-};
+const std::array<QuorvelNative::Method, 10> QuorvelNative::kMethods = {{
+    {{L"ПолучитьНомерВерсии", L"GetVersion"}, 0, &QuorvelNative::MethGetVersion},
+    {{L"ПолучитьОписание", L"GetDescription"}, 7, &QuorvelNative::MethGetDescription},
+    {{L"ПолучитьОшибку", L"GetLastError"}, 1, &QuorvelNative::MethGetLastError},
+    {{L"ПолучитьПараметры", L"GetParameters"}, 1, &QuorvelNative::MethGetParameters},
+    {{L"УстановитьПараметр", L"SetParameter"}, 2, &QuorvelNative::MethSetParameter},
+    {{L"Подключить", L"Open"}, 1, &QuorvelNative::MethOpen},
+    {{L"Отключить", L"Close"}, 1, &QuorvelNative::MethClose},
+    {{L"ТестУстройства", L"DeviceTest"}, 2, &QuorvelNative::MethDeviceTest},
+    {{L"ПолучитьДополнительныеДействия", L"GetAdditionalActions"},
+     1,
+     &QuorvelNative::MethGetAdditionalActions},
+    {{L"ВыполнитьДополнительноеДействие", L"DoAdditionalAction"},
+     1,
+     &QuorvelNative::MethDoAdditionalAction},
+}};
+
+const QuorvelNative::Method* QuorvelNative::methodOf(long number) {
+  if (number < 0 || number >= static_cast<long>(kMethods.size())) return nullptr;
+  return &kMethods[static_cast<std::size_t>(number)];
+}
+
+long QuorvelNative::findMethod(std::wstring_view name) {
+  const auto* const method =
+      std::find_if(kMethods.begin(), kMethods.end(), [name](const Method& candidate) {
+        return name == candidate.name.english || name == candidate.name.russian;
+      });
+  return method == kMethods.end() ? -1 : static_cast<long>(method - kMethods.begin());
+}
 
 bool QuorvelNative::MethGetVersion(tVariant& result, tVariant*) {
   result = AllocAndConvertVariant(kWideVersion);
@@ -47,13 +63,13 @@ bool QuorvelNative::MethGetVersion(tVariant& result, tVariant*) {
 }
 
 bool QuorvelNative::MethGetDescription(tVariant& result, tVariant* params) {
-  const Description& description = russian_ ? kRussianDescription : kEnglishDescription;
-  params[0] = AllocAndConvertVariant(description.driverName);
-  params[1] = AllocAndConvertVariant(description.driverDescription);
+  const Language language = languageOf(russian_);
+  params[0] = AllocAndConvertVariant(kDriverName.in(language));
+  params[1] = AllocAndConvertVariant(kDriverDescription.in(language));
   params[2] = AllocAndConvertVariant(equipmentType_.c_str());
   setInt(params[3], kInterfaceRevision);
-  setBool(params[4], false);  // no integration component
-  setBool(params[5], true);   // the main driver is installed
+  setBool(params[4], false);  // is an integration component
+  setBool(params[5], true);   // has its main driver installed
   params[6] = AllocAndConvertVariant(kDownloadAddress);
   setBool(result, true);
   return true;
@@ -61,7 +77,7 @@ bool QuorvelNative::MethGetDescription(tVariant& result, tVariant* params) {
 
 bool QuorvelNative::MethGetLastError(tVariant& result, tVariant* params) {
   if (!performer_) return false;
-  const bool russian = AppSettings::locale() == kRussian;
+  const bool russian = AppSettings::language() == Language::kRussian;
   params[0] = AllocAndConvertVariant(performer_->GetLastError(russian).c_str());
   setInt(result, kErrorCode);
   return true;
@@ -82,7 +98,7 @@ bool QuorvelNative::MethSetParameter(tVariant& result, tVariant* params) {
 }
 
 bool QuorvelNative::MethOpen(tVariant& result, tVariant* params) {
-  // Counted whether or not the device opens, so that no identifier is ever used twice.
+  // Counts failed attempts too, so that no identifier is ever reused.
   const std::wstring id = extensionName_ + kIdSeparator + std::to_wstring(++openCounter_);
   const bool opened = performer_ && performer_->OpenDevice(id);
   setBool(result, opened);

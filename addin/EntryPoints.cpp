@@ -3,12 +3,11 @@
 #include <string>
 
 #include "addin/QuorvelNative.h"
+#include "performer/Equipment.h"
 #include "util/Log.h"
 #include "util/WideStrings.h"
 
 namespace {
-
-constexpr const wchar_t* kClassNames = L"InputDevice|CardReaderDevice";
 
 struct ComponentClass {
   const wchar_t* name;
@@ -16,9 +15,18 @@ struct ComponentClass {
 };
 
 constexpr std::array<ComponentClass, 2> kClasses = {{
-    {L"InputDevice", L"Штрихкод"},
-    {L"CardReaderDevice", L"ДанныеКарты"},
+    {L"InputDevice", quorvel::kBarcode.russian},
+    {L"CardReaderDevice", quorvel::kTrackData.russian},
 }};
+
+std::wstring classNames() {
+  std::wstring names;
+  for (const ComponentClass& known : kClasses) {
+    if (!names.empty()) names += L'|';
+    names += known.name;
+  }
+  return names;
+}
 
 IComponentBase* createComponent(const std::wstring& name) {
   for (const ComponentClass& known : kClasses) {
@@ -31,25 +39,26 @@ IComponentBase* createComponent(const std::wstring& name) {
 
 #define QUORVEL_EXPORT extern "C" __attribute__((visibility("default")))
 
-// The names of the component classes, separated by "|". Never freed; null without memory.
+// The names of the component classes, separated by "|". The text is never freed. Null when out of
+// memory.
 QUORVEL_EXPORT const WCHAR_T* GetClassNames() {
   static const WCHAR_T* names = nullptr;
   if (names) return names;
   try {
     WCHAR_T* converted = nullptr;
-    quorvel::convToShortWchar(&converted, kClassNames);
+    quorvel::convToShortWchar(&converted, classNames().c_str());
     names = converted;
   } catch (...) {
   }
   return names;
 }
 
-// Creates a component of the named class in *slot, which DestroyObject frees. Returns the address
-// in *slot, 0 for a class that is not known; an object that is already there is left alone.
+// Creates a component of the named class in *slot, for DestroyObject to free, and returns its
+// address. An object already in *slot is kept and its address returned. 0 for an unknown class.
 QUORVEL_EXPORT long GetClassObject(const WCHAR_T* name, IComponentBase** slot) {
   if (!slot) return 0;
   try {
-    // What a log of this component would be written to.
+    // The path a log would be written to; logging is switched off.
     static_cast<void>(std::string(quorvel::kLogFolder) + quorvel::getLogFileName());
     if (!*slot) *slot = createComponent(quorvel::convFromShortWchar(name));
   } catch (...) {
@@ -57,7 +66,7 @@ QUORVEL_EXPORT long GetClassObject(const WCHAR_T* name, IComponentBase** slot) {
   return reinterpret_cast<long>(*slot);
 }
 
-// Destroys the component in *slot and nulls it: 0. -1 when there is none.
+// Destroys the component in *slot, sets *slot to null and returns 0. -1 when *slot is null.
 QUORVEL_EXPORT long DestroyObject(IComponentBase** slot) {
   if (!slot || !*slot) return -1;
   delete *slot;
@@ -65,5 +74,5 @@ QUORVEL_EXPORT long DestroyObject(IComponentBase** slot) {
   return 0;
 }
 
-// The driver makes no difference between hosts. 1: it has taken note.
+// Always 1: the driver behaves the same in every host.
 QUORVEL_EXPORT long SetPlatformCapabilities(int) { return 1; }

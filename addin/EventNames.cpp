@@ -3,32 +3,32 @@
 #include <algorithm>
 #include <array>
 
-#include "performer/AppSettings.h"
+#include "performer/Equipment.h"
+#include "util/OutputData.h"
 
 namespace quorvel {
 namespace {
 
 struct EventName {
-  unsigned key;                         // equipment type and data type, bit by bit
-  std::array<const wchar_t*, 2> names;  // by locale
+  unsigned key;  // the codes of the equipment type and the output data type, combined bit by bit
+  Bilingual name;
 };
 
-// The first is the one that every unknown key falls back to.
 constexpr std::array<EventName, 4> kEventNames = {{
-    {kBarcodeScanner, {L"Штрихкод", L"Barcode"}},
+    {kBarcodeScanner, kBarcode},
     {kBarcodeScanner | kBase64, {L"ШтрихкодBase64", L"BarcodeBase64"}},
-    {kMagneticCardReader, {L"ДанныеКарты", L"TrackData"}},
+    {kMagneticCardReader, kTrackData},
     {kMagneticCardReader | kBase64, {L"ДанныеКартыBase64", L"TrackDataBase64"}},
 }};
 
 }  // namespace
 
-const wchar_t* eventNameOf(int equipmentType, int dataType, unsigned locale) {
-  const auto key = static_cast<unsigned>(equipmentType | dataType);
-  const auto* event = std::find_if(kEventNames.begin(), kEventNames.end(),
-                                   [key](const EventName& known) { return known.key == key; });
-  if (event == kEventNames.end()) event = kEventNames.begin();
-  return event->names[locale == kEnglish ? kEnglish : kRussian];
+const wchar_t* eventNameOf(unsigned equipmentType, unsigned outputDataType, Language language) {
+  const unsigned key = equipmentType | outputDataType;
+  const auto* const event =
+      std::find_if(kEventNames.begin(), kEventNames.end(),
+                   [key](const EventName& known) { return known.key == key; });
+  return (event == kEventNames.end() ? kBarcode : event->name).in(language);
 }
 
 }  // namespace quorvel

@@ -1,11 +1,13 @@
-// The names of the events that the host receives.
+// The names of the external events.
 #pragma once
+
+#include "util/Language.h"
 
 namespace quorvel {
 
-// The name of the event for an equipment type and an output data type (codes of AppSettings.h) in a
-// language. What is not known counts as a barcode, as text, in Russian; so does every
-// human-readable form, a card's too.
-const wchar_t* eventNameOf(int equipmentType, int dataType, unsigned locale);
+// The name of the event that delivers data of an output data type (a code of OutputData.h) from
+// equipment of a type (a code of Equipment.h). Any other combination, the human-readable form
+// included, gets the name of a barcode event.
+const wchar_t* eventNameOf(unsigned equipmentType, unsigned outputDataType, Language language);
 
 }  // namespace quorvel

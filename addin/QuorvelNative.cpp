@@ -1,10 +1,12 @@
 #include "addin/QuorvelNative.h"
 
+#include <optional>
+
 #include "addin/EventNames.h"
-#include "addin/Methods.h"
 #include "performer/AppSettings.h"
+#include "performer/Equipment.h"
 #include "performer/QuorvelPerformerLinux.h"
-#include "util/DataTypes.h"
+#include "util/OutputData.h"
 #include "util/Text.h"
 #include "util/Variants.h"
 #include "util/WideStrings.h"
@@ -14,7 +16,19 @@ namespace {
 
 constexpr long kEventBufferDepth = 4096;
 
-// Runs an operation of the host; what it throws becomes its failure.
+// The host numbers the languages of method names in another order than locales.
+std::optional<Language> languageOfMethodName(long number) {
+  switch (number) {
+    case 0:
+      return Language::kEnglish;
+    case 1:
+      return Language::kRussian;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Runs an operation that the host has called and turns an exception into its failure result.
 template <typename Result, typename Operation>
 Result guarded(Result failure, Operation operation) noexcept {
   try {
@@ -29,8 +43,8 @@ Result guarded(Result failure, Operation operation) noexcept {
 QuorvelNative::QuorvelNative(const wchar_t* extensionName, const wchar_t* dataName)
     : dataName_(dataName),
       extensionName_(extensionName),
-      equipmentType_(L"СканерШтрихкода"),
-      russian_(AppSettings::locale() == kRussian) {}
+      equipmentType_(kBarcodeScannerName),
+      russian_(AppSettings::language() == Language::kRussian) {}
 
 bool QuorvelNative::Init(void* connection) {
   return guarded(false, [&] {
@@ -82,8 +96,9 @@ long QuorvelNative::FindMethod(const WCHAR_T* name) {
 
 const WCHAR_T* QuorvelNative::GetMethodName(long num, long lang) {
   const Method* const method = methodOf(num);
-  if (!method || lang < 0 || lang >= kMethodLanguages) return nullptr;
-  return AllocAndConvert(method->names[static_cast<std::size_t>(lang)]);
+  const std::optional<Language> language = languageOfMethodName(lang);
+  if (!method || !language) return nullptr;
+  return AllocAndConvert(method->name.in(*language));
 }
 
 long QuorvelNative::GetNParams(long num) {
@@ -103,16 +118,16 @@ bool QuorvelNative::CallAsProc(long, tVariant*, long) { return false; }
 bool QuorvelNative::CallAsFunc(long num, tVariant* ret, tVariant* params, long) {
   const Method* const method = methodOf(num);
   if (!method || !ret || (!params && method->parameters > 0)) return false;
-  return guarded(false, [&] { return (this->*kHandlers[num])(*ret, params); });
+  return guarded(false, [&] { return (this->*method->handler)(*ret, params); });
 }
 
 void QuorvelNative::SetLocale(const WCHAR_T* locale) {
   guarded(false, [&] {
     if (!locale) return false;
     const std::wstring name = str_tolower(convFromShortWchar(locale));
-    // "ru" is in "rus" too, so the flag covers both.
+    // Covers "rus" as well.
     if (name.find(L"ru") != name.npos) russian_ = true;
-    AppSettings::setLocale(russian_ ? kRussian : kEnglish);
+    AppSettings::setLanguage(languageOf(russian_));
     return true;
   });
 }
@@ -121,10 +136,11 @@ void QuorvelNative::OnInput(const std::wstring& source, int equipmentType, int d
                             const std::wstring& data) {
   IAddInDefBaseEx* const connection = connection_;
   if (!connection) return;
-  const wchar_t* const name = eventNameOf(equipmentType, dataType, AppSettings::locale());
+  const auto equipmentCode = static_cast<unsigned>(equipmentType);
+  const auto dataCode = static_cast<unsigned>(dataType);
   const WcharWrapper eventSource(source.c_str());
-  const WcharWrapper eventName(name);
-  const WcharWrapper eventData(inDataType(data, dataType).c_str());
+  const WcharWrapper eventName(eventNameOf(equipmentCode, dataCode, AppSettings::language()));
+  const WcharWrapper eventData(outputData(data, dataCode).c_str());
   connection->ExternalEvent(eventSource.shortText(), eventName.shortText(), eventData.shortText());
 }
 

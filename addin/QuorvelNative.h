@@ -1,29 +1,32 @@
-// The component object that the host creates for each device it connects.
+// The component object. The host creates one for each device that it connects.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "host/IAddInDefBaseEx.h"
 #include "host/IComponentBase.h"
 #include "host/IMemoryManager.h"
 #include "performer/QuorvelPerformerBase.h"
+#include "util/Language.h"
 
 namespace quorvel {
 
 // Of the host's driver interface.
 inline constexpr int kInterfaceRevision = 2004;
 
-// Called on the host's thread, but for OnInput. Nothing is thrown to the host: what fails for want
-// of memory gives the same result as any other failure of the operation. A null text or a null
-// place for a result is a failure, too.
+// All operations but OnInput are called on the host's thread. None throws: an exception inside,
+// such as bad_alloc, becomes the failure result of the operation. So does a null text or a null
+// pointer to a result.
 class QuorvelNative : public IComponentBase {
  public:
-  // `extensionName` is what the component is registered as, and begins its device identifiers.
+  // The component registers itself as `extensionName`, which also begins its device identifiers.
   QuorvelNative(const wchar_t* extensionName, const wchar_t* dataName);
-  // Closes every open device, which takes up to a second for each.
+  // Closes every open device.
   ~QuorvelNative() override = default;
 
   bool Init(void* connection) override;
@@ -48,19 +51,29 @@ class QuorvelNative : public IComponentBase {
   bool CallAsProc(long num, tVariant* params, long count) override;
   bool CallAsFunc(long num, tVariant* ret, tVariant* params, long count) override;
 
-  // The Russian flag is set for good by the first locale that is Russian; from then on every locale
-  // sets the process back to Russian.
+  // A locale name with "ru" in it sets the Russian flag, which is never cleared: from then on every
+  // call sets the process-wide locale to Russian, whatever its argument.
   void SetLocale(const WCHAR_T* locale) override;
 
-  // Raises one scan as an external event of the host. Runs on the reader thread of the device.
+  // Raises one scan as an external event. Runs on the device's reader thread.
   void OnInput(const std::wstring& source, int equipmentType, int dataType,
                const std::wstring& data);
 
  private:
-  // A driver method: fills its result and its output parameters, and returns whether the call
-  // succeeded. `params` is not null where the method has parameters.
-  using Handler = bool (QuorvelNative::*)(tVariant& result, tVariant* params);
-  static const Handler kHandlers[];
+  struct Method {
+    Bilingual name;
+    long parameters;
+    // Fills the result and the output parameters and returns whether the call succeeded. `params`
+    // is not null when the method has parameters.
+    bool (QuorvelNative::*handler)(tVariant& result, tVariant* params);
+  };
+
+  static const std::array<Method, 10> kMethods;  // by method number
+
+  // Null when no method has this number.
+  static const Method* methodOf(long number);
+  // The number of the method with exactly this English or Russian name, or -1.
+  static long findMethod(std::wstring_view name);
 
   bool MethGetVersion(tVariant& result, tVariant* params);
   bool MethGetDescription(tVariant& result, tVariant* params);
@@ -76,9 +89,9 @@ class QuorvelNative : public IComponentBase {
   WCHAR_T* AllocAndConvert(const wchar_t* text) const;
   tVariant AllocAndConvertVariant(const wchar_t* text) const;
 
-  // Written by Init and read by the readers.
-  std::atomic<IAddInDefBaseEx*> connection_ = nullptr;  // the host's
-  IMemoryManager* memoryManager_ = nullptr;             // the host's
+  // The connection and the memory manager are the host's. Reader threads read the connection.
+  std::atomic<IAddInDefBaseEx*> connection_ = nullptr;
+  IMemoryManager* memoryManager_ = nullptr;
   const std::wstring dataName_;
   const std::wstring extensionName_;
   std::uint32_t openCounter_ = 0;

@@ -1,9 +1,8 @@
-// Through the host's interface alone a process that has started Russian stays Russian. This one
-// starts English.
+// Makes the process start English. Through the host's interface alone it would stay Russian.
 #include "performer/AppSettings.h"
 
 namespace {
 
-const bool started = (quorvel::AppSettings::setLocale(quorvel::kEnglish), true);
+const bool started = (quorvel::AppSettings::setLanguage(quorvel::Language::kEnglish), true);
 
 }  // namespace

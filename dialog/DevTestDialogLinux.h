@@ -22,7 +22,7 @@ class DevTestDialogLinux {
   enum STRING_ID : int { kCloseButton, kClearButton, kCopyButton, kTitle, kTimeoutLabel };
 
   // Copies the factories; a keyboard factory that does not only listen would grab the keyboards.
-  // `outputDataType` is a data type of DataTypes.h.
+  // `outputDataType` is a code of OutputData.h.
   DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboardFactory,
                      const InputDeviceComPortFactory& comPortFactory, bool russian,
                      int outputDataType);

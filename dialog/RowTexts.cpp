@@ -1,6 +1,6 @@
 #include "dialog/RowTexts.h"
 
-#include "util/DataTypes.h"
+#include "util/OutputData.h"
 #include "util/SymbolNames.h"
 #include "util/Text.h"
 
@@ -25,7 +25,7 @@ std::string sourceCell(const std::wstring& source) {
 
 std::string dataCell(const std::wstring& base64, int dataType) {
   std::wstring shown;
-  for (const wchar_t symbol : inDataType(base64, dataType)) {
+  for (const wchar_t symbol : outputData(base64, static_cast<unsigned>(dataType))) {
     shown += FormatSymbolForDisplay(symbol);
   }
   return std::string(cutToBytes(wstr2str(shown), kMostBytes));

@@ -16,8 +16,8 @@ inline constexpr std::size_t kCellSize = 1024;  // bytes
 // The name of a source and a colon. The colon stays when the name is cut.
 std::string sourceCell(const std::wstring& source);
 
-// A scan, given as base64 text, in the form of a data type of DataTypes.h. Control characters and
-// spaces are shown by their names.
+// A scan, given as base64 text, in the form of an output data type of OutputData.h. Control
+// characters and spaces are shown by their names.
 std::string dataCell(const std::wstring& base64, int dataType);
 
 // The longest beginning of a UTF-8 text that has whole characters and at most `most` bytes.

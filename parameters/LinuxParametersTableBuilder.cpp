@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
+#include <string_view>
 
 #include "devices/KeyboardList.h"
 #include "devices/LineSpeeds.h"
@@ -38,7 +40,7 @@ void LinuxParametersTableBuilder::BuildPortPart() {
 std::wstring LinuxParametersTableBuilder::GetCOMDevicesList(std::string_view prefix,
                                                             std::wstring_view caption,
                                                             int base) const {
-  // By the number and not in find's order, which is that of the folder.
+  // Sorted by number: find lists files in directory order.
   std::map<std::int64_t, std::wstring> itemsByNumber;
   for (const std::string& path : findDeviceFiles(prefix)) {
     const std::int64_t number = deviceFileNumber(path, prefix);
@@ -47,11 +49,11 @@ std::wstring LinuxParametersTableBuilder::GetCOMDevicesList(std::string_view pre
                               item(value, concatenate({caption, std::to_wstring(number + 1)})));
   }
   std::wstring items;
-  for (const auto& [number, item] : itemsByNumber) items += item;
+  for (const auto& [number, portItem] : itemsByNumber) items += portItem;
   return items;
 }
 
-// Of the conditional parameters this one alone names the parameter before the operation.
+// The only condition that names the master parameter before the operation.
 void LinuxParametersTableBuilder::BuildKeyboardDevicePart() {
   append(parameter({.name = L"KeyboardDevice",
                     .caption = text(form_texts::kKeyboardDevice),

@@ -1,6 +1,7 @@
 #include "parameters/ParametersTableBuilder.h"
 
-#include <array>
+#include <string>
+#include <string_view>
 
 #include "devices/NonPrintableKeys.h"
 #include "parameters/SettingsMarkup.h"
@@ -13,7 +14,7 @@ namespace {
 
 constexpr unsigned kLastAscii = 127;
 
-// A printable character is never written as it is: some would break the document.
+// Used for every printable character, since some of them would break the document.
 std::wstring characterReference(unsigned code) {
   constexpr std::wstring_view kDigits = L"0123456789abcdef";
   return {L'&', L'#', L'x', kDigits[code / 16], kDigits[code % 16], L';'};
@@ -45,7 +46,7 @@ void ParametersTableBuilder::BuildProduct(bool keyboardTimeoutShown) {
   BuildKeyboardTimeoutPart(keyboardTimeoutShown);
   BuildCOMPortTimeoutAndEncodingPart();
   BuildGSSymbolPart();
-  buildOutputDataTypePart();
+  BuildOutputDataTypePart();
   BuildDeviceParametersGroupEndPart();
   BuildLogParametersPart();
   BuildEndPart();
@@ -105,8 +106,8 @@ void ParametersTableBuilder::BuildGSSymbolPart() {
                     .choices = choiceList(keys)}));
 }
 
-// The human-readable form, 1, is accepted from a host but not offered to the user.
-void ParametersTableBuilder::buildOutputDataTypePart() {
+// The human-readable form, 1, can be set by a host but is not offered to the user.
+void ParametersTableBuilder::BuildOutputDataTypePart() {
   append(parameter({.name = L"OutputDataType",
                     .caption = text(form_texts::kOutputDataType),
                     .type = kNumber,

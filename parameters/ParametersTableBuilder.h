@@ -1,5 +1,5 @@
-// The settings form: the XML document from which a host makes the form for the user, and whose
-// parameter names are those that SetParameter accepts.
+// The settings form: an XML document from which the host builds a form for the user. Its parameter
+// names are those that SetParameter accepts.
 #pragma once
 
 #include <string>
@@ -9,17 +9,16 @@
 
 namespace quorvel {
 
-// Builds one document, part by part, and is then done with: constructed, built, read. The order of
-// the virtual functions is fixed. The parts that depend on the machine are empty here, and those
-// that no system fills keep their places for one that will.
+// Builds one document: construct, call BuildProduct, read GetProduct. The order of the virtual
+// functions is fixed. Parts with an empty body here depend on the machine or are extension points.
 class ParametersTableBuilder {
  public:
-  explicit ParametersTableBuilder(bool russian) : russian_(russian) {}
+  explicit ParametersTableBuilder(bool russian) : language_(languageOf(russian)) {}
   ParametersTableBuilder(const ParametersTableBuilder&) = delete;
   ParametersTableBuilder& operator=(const ParametersTableBuilder&) = delete;
   virtual ~ParametersTableBuilder() = default;
 
-  // Each appends its part to the document.
+  // Each appends one part of the document.
   virtual void BuildHeaderPart();
   virtual void BuildPortPart() {}
   virtual void BuildKeyboardDevicePart() {}
@@ -35,20 +34,20 @@ class ParametersTableBuilder {
   virtual void BuildLogParametersPart() {}
   virtual void BuildEndPart();
 
-  // Appends the whole document. The flag is for BuildKeyboardTimeoutPart.
+  // Appends the whole document. The flag is passed on to BuildKeyboardTimeoutPart.
   void BuildProduct(bool keyboardTimeoutShown);
 
-  // What has been built so far.
+  // What has been appended so far.
   std::wstring GetProduct() const { return product_; }
 
-  // The choice list of the suffix: none, and every character of ASCII.
+  // The choice list of the suffix: "<NONE>" and every ASCII character.
   std::wstring GetSymbolChoiceList() const;
 
  protected:
   void append(std::wstring_view part) { product_ += part; }
-  std::wstring_view text(const FormText& text) const { return text.in(russian_); }
+  const wchar_t* text(const Bilingual& text) const { return text.in(language_); }
 
-  // When a parameter is shown: attributes of its element.
+  // Attributes that make the form show a parameter for one kind of device only.
   static constexpr std::wstring_view kForSerialPorts =
       L" MasterParameterOperation=\"NotEqual\" MasterParameterName=\"Port\""
       L" MasterParameterValue=\"0\"";
@@ -57,9 +56,9 @@ class ParametersTableBuilder {
       L" MasterParameterValue=\"0\"";
 
  private:
-  void buildOutputDataTypePart();
+  void BuildOutputDataTypePart();
 
-  const bool russian_;
+  const Language language_;
   std::wstring product_;
 };
 

@@ -2,20 +2,23 @@
 
 #include <mutex>
 
+#include "performer/Equipment.h"
 #include "performer/KeyValue.h"
+#include "util/OutputData.h"
 
 namespace quorvel {
 namespace {
 
 struct Store {
-  unsigned locale = kRussian;
+  unsigned locale = static_cast<unsigned>(Language::kRussian);
   unsigned ioDataType = kText;
   unsigned deviceType = kBarcodeScanner;
   KeyValue<std::wstring, tVariant> values;
   std::mutex mutex;
 };
 
-// Never destroyed: a host that exits without closing its devices leaves readers that still ask.
+// Never destroyed: when a host exits without closing its devices, their reader threads still use
+// it.
 Store& store() {
   static Store& only = *new Store;
   return only;
@@ -36,7 +39,13 @@ void write(unsigned Store::*member, unsigned value, unsigned last) {
 
 unsigned AppSettings::locale() { return read(&Store::locale); }
 
-void AppSettings::setLocale(unsigned locale) { write(&Store::locale, locale, kEnglish); }
+void AppSettings::setLocale(unsigned locale) {
+  write(&Store::locale, locale, static_cast<unsigned>(Language::kEnglish));
+}
+
+Language AppSettings::language() { return languageOfLocale(locale()); }
+
+void AppSettings::setLanguage(Language language) { setLocale(static_cast<unsigned>(language)); }
 
 unsigned AppSettings::ioDataType() { return read(&Store::ioDataType); }
 

@@ -4,35 +4,31 @@
 #include <string>
 
 #include "host/Variant.h"
-#include "util/DataTypes.h"
+#include "util/Language.h"
 
 namespace quorvel {
 
-// Locales: the language of the texts.
-inline constexpr unsigned kRussian = 0;
-inline constexpr unsigned kEnglish = 1;
-
-// Equipment types.
-inline constexpr unsigned kBarcodeScanner = 16;
-inline constexpr unsigned kMagneticCardReader = 32;
-
-// Every operation may be called on any thread; one mutex guards them all.
+// May be called on any thread; one mutex guards every operation.
 class AppSettings {
  public:
-  // A locale, kRussian at the start. Other values are ignored.
+  // The number of a Language, initially Russian. Other values are ignored.
   static unsigned locale();
   static void setLocale(unsigned locale);
 
-  // A data type of DataTypes.h, kText at the start. Other values are ignored.
+  // The same as a Language.
+  static Language language();
+  static void setLanguage(Language language);
+
+  // A code of OutputData.h, initially kText. Other values are ignored.
   static unsigned ioDataType();
   static void setIODataType(unsigned type);
 
-  // 0 to 32, kBarcodeScanner at the start. Other values are ignored.
+  // 0 to 32, initially kBarcodeScanner. Other values are ignored.
   static unsigned deviceType();
   static void setDeviceType(unsigned type);
 
-  // The variant stored under `key`, or `defaultValue`. Variants are stored as they are: the text of
-  // a string stays its owner's, who keeps it alive.
+  // The variant stored under `key`, or `defaultValue`. Variants are copied bit by bit: the text of
+  // a string variant is not copied, and whoever owns it keeps it alive.
   static tVariant value(const std::wstring& key, const tVariant& defaultValue);
   static void setValue(const std::wstring& key, const tVariant& value);
 };

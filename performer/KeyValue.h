@@ -13,14 +13,13 @@ class KeyValueInterface {
   virtual ~KeyValueInterface() = default;
 };
 
-// Whoever took a copy of this object's map keeps it as it was, while this object goes on changing
-// its own. Not thread-safe: the owner locks.
+// Copies share one map until one of them changes it. Not thread-safe: the owner locks.
 template <typename Key, typename Value, typename Map = std::unordered_map<Key, Value>>
 class KeyValue : public KeyValueInterface<Key, Value> {
  public:
   KeyValue() : map_(std::make_shared<Map>()) {}
 
-  // A copy of the value under `key`, or of `defaultValue`.
+  // A copy of the value stored under `key`, or of `defaultValue` when there is none.
   Value value(const Key& key, const Value& defaultValue) const {
     if (!map_) return defaultValue;
     const auto found = map_->find(key);
@@ -33,7 +32,7 @@ class KeyValue : public KeyValueInterface<Key, Value> {
   }
 
  private:
-  std::shared_ptr<Map> map_;  // null only after a move away, and then as good as empty
+  std::shared_ptr<Map> map_;  // null, which counts as empty, only in a moved-from object
 };
 
 }  // namespace quorvel

@@ -9,9 +9,9 @@
 
 namespace quorvel {
 
-// Receives one scan: the identifier under which its device was opened, the equipment type and the
-// output data type that were set then (codes of AppSettings.h), and the base64 text of its bytes.
-// Runs on the reader thread of the device.
+// Receives one scan: the identifier under which its device was opened, the equipment type code
+// (Equipment.h) and the output data type code (OutputData.h) set at that time, and its bytes as
+// base64 text. Runs on the device's reader thread.
 using InputCallback = std::function<void(const std::wstring& deviceId, int equipmentType,
                                          int outputDataType, const std::wstring& data)>;
 
@@ -22,27 +22,30 @@ class QuorvelPerformerBase {
   QuorvelPerformerBase& operator=(const QuorvelPerformerBase&) = delete;
   virtual ~QuorvelPerformerBase() = default;
 
-  // Opens the device of the current parameters under an identifier. An identifier that is already
-  // open keeps its device, and that is a success. False when the device cannot be opened.
+  // Opens the device that the current parameters describe and registers it under `deviceId`. An
+  // identifier already in use keeps its device, and the call succeeds. False when the device cannot
+  // be opened.
   virtual bool OpenDevice(const std::wstring& deviceId) = 0;
 
-  // Closes the device, which takes up to a second. False for an identifier that is not open.
+  // Closes the device, which waits for its reader thread. False when no device is open under
+  // `deviceId`.
   virtual bool CloseDevice(const std::wstring& deviceId) = 0;
 
-  // Shows the test window until the user closes it. The identifier is not used. Always true.
+  // Shows the test window and returns when the user has closed it. `deviceId` is ignored. Always
+  // true.
   virtual bool TestDevice(const std::wstring& deviceId) = 0;
 
-  // The one error text there is.
+  // The connection error text: the only one, since no error state is kept.
   virtual std::wstring GetLastError(bool russian) = 0;
 
   // The settings form as an XML document.
   virtual std::wstring GetParameters() = 0;
 
-  // Sets a parameter for devices opened from now on. A boolean variant: false for a name that is
-  // not known, true for one that is, even where the value was refused and nothing was changed.
+  // Sets a parameter for devices opened from now on. The result is a boolean variant: whether the
+  // name is known. A known name gives true even when its value was refused and nothing changed.
   virtual tVariant SetParameter(const wchar_t* name, const tVariant& value) = 0;
 
-  // Always an empty variant: parameters are not read back.
+  // Always an empty variant: parameters cannot be read back.
   virtual tVariant GetParameter(const wchar_t* name) = 0;
 
  protected:

@@ -1,34 +1,22 @@
 #include "performer/QuorvelPerformerDesktop.h"
 
-#include <array>
-#include <string_view>
+#include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "dialog/DevTestDialogLinux.h"
+#include "performer/AppSettings.h"
 #include "util/CodePages.h"
+#include "util/Language.h"
 #include "util/Variants.h"
 
 namespace quorvel {
 namespace {
 
-constexpr std::wstring_view kErrorRussian =
-    L"Ошибка подключения. Проверьте доступность устройства.";
-constexpr std::wstring_view kErrorEnglish = L"Connection error. Check device availability.";
+constexpr Bilingual kConnectionError = {L"Ошибка подключения. Проверьте доступность устройства.",
+                                        L"Connection error. Check device availability."};
 
-// The equipment names of the host. It has them in Russian only, whatever the language of its texts.
-struct Equipment {
-  std::wstring_view name;
-  unsigned type;
-  std::array<std::wstring_view, 2> dataKind;  // by locale
-};
-
-constexpr std::array<Equipment, 3> kEquipment = {{
-    {L"СканерШтрихкода", kBarcodeScanner, {L"Штрихкод", L"Barcode"}},
-    {L"УстройствоВвода", kBarcodeScanner, {L"Штрихкод", L"Barcode"}},
-    {L"СчитывательМагнитныхКарт", kMagneticCardReader, {L"ДанныеКарты", L"TrackData"}},
-}};
-
-// The setter of a number that goes, as it is, to each of `fields`.
+// Stores a number in each of `fields`, without checking its range.
 template <typename... Fields>
 auto numberSetter(Fields&... fields) {
   return [&fields...](const tVariant& value) {
@@ -39,7 +27,7 @@ auto numberSetter(Fields&... fields) {
   };
 }
 
-// The setter of a character given by its code; -1 stands for none.
+// Stores a character, given by its code, in each of `fields`; -1 empties them.
 template <typename... Fields>
 auto characterSetter(Fields&... fields) {
   return [&fields...](const tVariant& value) {
@@ -64,7 +52,7 @@ auto textSetter(std::wstring& field) {
 auto flagSetter(bool& field) {
   return [&field](const tVariant& value) {
     if (value.vt != VTYPE_BOOL) return false;
-    // Not as a bool: a host may write any byte for true.
+    // Read as a byte: a host may write any non-zero byte for true.
     field = value.i8 != 0;
     return true;
   };
@@ -114,7 +102,7 @@ bool QuorvelPerformerDesktop::setEquipmentType(const tVariant& value) {
   equipmentText_ = convFromShortWchar(value);
   for (const Equipment& equipment : kEquipment) {
     if (equipmentText_ != equipment.name) continue;
-    dataKind_ = equipment.dataKind[AppSettings::locale()];
+    dataKind_ = equipment.dataKind.in(AppSettings::language());
     settings_->equipmentType = equipment.type;
   }
   return true;
@@ -124,7 +112,7 @@ tVariant QuorvelPerformerDesktop::SetParameter(const wchar_t* name, const tVaria
   tVariant result = emptyVariant();
   const auto setter = settings_->setters.find(name);
   setBool(result, setter != settings_->setters.end());
-  // A refused value is no failure for the host: it goes on with the value set before.
+  // A refused value still counts as success: the host goes on with the value set before.
   if (result.boolValue) setter->second(value);
   return result;
 }
@@ -132,7 +120,7 @@ tVariant QuorvelPerformerDesktop::SetParameter(const wchar_t* name, const tVaria
 tVariant QuorvelPerformerDesktop::GetParameter(const wchar_t*) { return emptyVariant(); }
 
 std::wstring QuorvelPerformerDesktop::GetLastError(bool russian) {
-  return std::wstring(russian ? kErrorRussian : kErrorEnglish);
+  return kConnectionError.in(languageOf(russian));
 }
 
 bool QuorvelPerformerDesktop::OpenDevice(const std::wstring& deviceId) {
@@ -159,7 +147,8 @@ bool QuorvelPerformerDesktop::TestDevice(const std::wstring&) {
   comPortFactory.suffix.clear();
   InputDeviceKeyboardFactory keyboardFactory = keyboardFactory_;
   keyboardFactory.listenOnly = true;
-  DevTestDialogLinux dialog(keyboardFactory, comPortFactory, AppSettings::locale() == kRussian,
+  const bool russian = AppSettings::language() == Language::kRussian;
+  DevTestDialogLinux dialog(keyboardFactory, comPortFactory, russian,
                             static_cast<int>(AppSettings::ioDataType()));
   dialog.ShowDlg();
   return true;

@@ -1,20 +1,23 @@
 // The performer of desktop systems: parameters, and the registry of open devices.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
 
 #include "devices/InputDeviceFactories.h"
-#include "performer/AppSettings.h"
+#include "performer/Equipment.h"
 #include "performer/QuorvelPerformerBase.h"
+#include "util/OutputData.h"
 
 namespace quorvel {
 
 class QuorvelPerformerDesktop : public QuorvelPerformerBase {
  public:
-  // `connection` is the host's; `callback` is copied, and lives until the last device is closed.
+  // `connection` is the host's and outlives the performer. The copy of `callback` lives until the
+  // last device is closed.
   QuorvelPerformerDesktop(IAddInDefBaseEx* connection, const InputCallback& callback);
 
   bool OpenDevice(const std::wstring& deviceId) override;
@@ -25,7 +28,7 @@ class QuorvelPerformerDesktop : public QuorvelPerformerBase {
   tVariant GetParameter(const wchar_t* name) override;
 
  protected:
-  // Sets a parameter; false when it refuses the value, and then nothing has changed.
+  // Sets a parameter. Returns false and changes nothing when it refuses the value.
   using Setter = std::function<bool(const tVariant& value)>;
 
   struct Settings {
@@ -36,9 +39,9 @@ class QuorvelPerformerDesktop : public QuorvelPerformerBase {
 
   InputDeviceKeyboardFactory keyboardFactory_;
   InputDeviceComPortFactory comPortFactory_;
-  std::map<std::wstring, std::shared_ptr<InputDevice>> devices_;  // the open ones, by identifier
-  std::wstring dataKind_;       // the display name of what the equipment reads
-  std::wstring equipmentText_;  // the last equipment type given
+  std::map<std::wstring, std::shared_ptr<InputDevice>> devices_;  // open devices by identifier
+  std::wstring dataKind_;       // what the equipment reads, in the language it was set in
+  std::wstring equipmentText_;  // the last value of EquipmentType
   std::unique_ptr<Settings> settings_;
 
  private:

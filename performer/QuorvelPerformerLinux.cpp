@@ -6,7 +6,7 @@
 namespace quorvel {
 
 std::wstring QuorvelPerformerLinux::GetParameters() {
-  LinuxParametersTableBuilder builder(AppSettings::locale() == kRussian);
+  LinuxParametersTableBuilder builder(AppSettings::language() == Language::kRussian);
   builder.BuildProduct(false);
   return builder.GetProduct();
 }

@@ -9,7 +9,7 @@ class QuorvelPerformerLinux : public QuorvelPerformerDesktop {
  public:
   using QuorvelPerformerDesktop::QuorvelPerformerDesktop;
 
-  // Describes the machine as it is now.
+  // The form lists the devices that the machine has at the time of the call.
   std::wstring GetParameters() override;
 };
 

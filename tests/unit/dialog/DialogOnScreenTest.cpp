@@ -10,7 +10,7 @@
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/TestWindow.h"
-#include "util/DataTypes.h"
+#include "util/OutputData.h"
 
 namespace quorvel {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "dialog/RowTexts.h"
 #include "util/Base64.h"
-#include "util/DataTypes.h"
+#include "util/OutputData.h"
 
 namespace quorvel {
 namespace {

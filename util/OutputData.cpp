@@ -1,12 +1,12 @@
-#include "util/DataTypes.h"
+#include "util/OutputData.h"
 
 #include "util/Base64.h"
 #include "util/HumanReadable.h"
 
 namespace quorvel {
 
-std::wstring inDataType(const std::wstring& base64, int dataType) {
-  switch (dataType) {
+std::wstring outputData(const std::wstring& base64, unsigned outputDataType) {
+  switch (outputDataType) {
     case kBase64:
       return base64;
     case kHumanReadable:
