@@ -34,7 +34,7 @@ double medianOf(std::vector<double> values) {
 void formAgainstBareListing(benchmark::State& state) {
   const rig::DeviceFiles files = {"ttyS0", "ttyS1", "ttyACM0", "ttyUSB0"};
   const rig::XServer server({"Keyboard", "Scanner", "Another scanner"});
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::ScopedVariable display("DISPLAY", server.display());
   rig::Driver driver;
   std::vector<double> form;
   std::vector<double> bare;

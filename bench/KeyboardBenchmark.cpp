@@ -66,7 +66,7 @@ double endKeyMicroseconds(terminal::VirtualKeyboard& keyboard,
 // The two take turns on one server, so that whatever else the machine does meets both alike.
 void endKeyToEvent(benchmark::State& state) {
   rig::XServer server(kNames);
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::ScopedVariable display("DISPLAY", server.display());
   rig::XClient focused(server.display());
   focused.focus(focused.openWindow(focused.openWindow(focused.openWindow())));
   rig::Driver driver;
@@ -96,7 +96,7 @@ BENCHMARK(endKeyToEvent)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterat
 void idleKeyboard(benchmark::State& state) {
   constexpr std::chrono::seconds kWatched{10};
   rig::XServer server(kNames);
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::ScopedVariable display("DISPLAY", server.display());
   rig::Driver driver;
   const pid_t reader = rig::threadAddedBy([&] { driver.openKeyboard(u"Driven"); });
   for (auto iteration : state) {

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <stdexcept>
 
-namespace quorvel::test {
+namespace rig {
 namespace {
 
 // Far above the numbers of real displays.
@@ -95,4 +95,4 @@ void BrokenXServer::serve() const {
   close(client);
 }
 
-}  // namespace quorvel::test
+}  // namespace rig

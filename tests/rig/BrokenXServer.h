@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-namespace quorvel::test {
+namespace rig {
 
 // Serves one client: answers its setup as a server with one screen does, and closes.
 class BrokenXServer {
@@ -24,4 +24,4 @@ class BrokenXServer {
   std::thread thread_;
 };
 
-}  // namespace quorvel::test
+}  // namespace rig

@@ -9,7 +9,7 @@
 #include <iterator>
 #include <stdexcept>
 
-namespace quorvel::test {
+namespace rig {
 namespace {
 
 void writeFile(const std::string& path, const std::string& content) {
@@ -59,4 +59,4 @@ std::vector<CommandResult> resultsOf(const std::string& command,
   return results;
 }
 
-}  // namespace quorvel::test
+}  // namespace rig

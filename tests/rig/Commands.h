@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace quorvel::test {
+namespace rig {
 
 // A directory of its own, removed with everything in it.
 class ScratchDirectory {
@@ -32,4 +32,4 @@ struct CommandResult {
 std::vector<CommandResult> resultsOf(const std::string& command,
                                      const std::vector<std::string>& inputs);
 
-}  // namespace quorvel::test
+}  // namespace rig

@@ -1,15 +1,14 @@
-// The built library in this process, and what a test waits and asks for.
+// The built library, loaded into this process.
 #pragma once
 
-#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
+#include "tests/rig/Patience.h"
 #include "tools/common/ComponentHost.h"
 
 namespace rig {
-
-// How long a test waits for what must come. A failing test takes this long, a passing one does not.
-inline constexpr std::chrono::seconds kPatience{20};
 
 // Paths of the built library and tools; the test fails without them.
 std::string libraryPath();

@@ -6,7 +6,9 @@
 #include <string>
 #include <utility>
 
-// Sets a variable, or removes it, and puts it back as it was. Used where no other thread looks at
+namespace rig {
+
+// Sets a variable, or removes it, and restores it afterwards. For use while no other thread reads
 // the environment.
 class ScopedVariable {
  public:
@@ -31,3 +33,5 @@ class ScopedVariable {
   std::string name_;
   std::optional<std::string> before_;
 };
+
+}  // namespace rig

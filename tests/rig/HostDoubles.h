@@ -11,7 +11,7 @@
 #include "host/IAddInDefBaseEx.h"
 #include "host/IMemoryManager.h"
 
-namespace quorvel::test {
+namespace rig {
 
 // Frees the blocks that it gave with itself, as a host frees the texts that it was handed.
 class FakeMemoryManager : public IMemoryManager {
@@ -87,4 +87,4 @@ class FakeConnection : public IAddInDefBaseEx {
   std::vector<Event> events_;
 };
 
-}  // namespace quorvel::test
+}  // namespace rig

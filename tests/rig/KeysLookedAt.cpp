@@ -4,14 +4,13 @@
 #include <X11/extensions/XI2.h>
 #include <dlfcn.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 
+#include "tests/rig/Patience.h"
+
 namespace rig {
 namespace {
-
-constexpr std::chrono::seconds kPatience{20};
 
 std::mutex mutex;
 std::condition_variable changed;

@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-namespace quorvel::test {
+namespace rig {
 
 class RandomBytes {
  public:
@@ -33,4 +33,4 @@ class RandomBytes {
   std::mt19937 engine_;
 };
 
-}  // namespace quorvel::test
+}  // namespace rig

@@ -8,7 +8,7 @@
 
 #include "host/Variant.h"
 
-namespace quorvel::test {
+namespace rig {
 
 inline tVariant variantOfType(unsigned type) {
   tVariant variant;
@@ -74,4 +74,4 @@ inline std::vector<unsigned> typeCodes() {
   return codes;
 }
 
-}  // namespace quorvel::test
+}  // namespace rig

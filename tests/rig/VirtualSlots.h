@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstring>
 
+namespace rig {
+
 // The slot of a virtual member function, counted from 0. A virtual destructor takes two.
 template <typename Function>
 std::size_t slotOf(Function function) {
@@ -16,3 +18,5 @@ std::size_t slotOf(Function function) {
   EXPECT_EQ(encoded % 2, 1u) << "not a virtual function";
   return (encoded - 1) / sizeof(void*);
 }
+
+}  // namespace rig

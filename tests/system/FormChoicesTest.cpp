@@ -40,7 +40,7 @@ bool set(rig::Driver& driver, const FormParameter& parameter, const std::string&
 TEST(FormChoices, EveryParameterTakesItsDefaultAndEveryChoice) {
   const rig::DeviceFiles files = {"ttyS0", "ttyACM0", "ttyUSB0"};
   rig::XServer server({"Scanner"});
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::ScopedVariable display("DISPLAY", server.display());
   rig::Driver driver;
   const std::vector<FormParameter> parameters = parametersOf(driver);
   EXPECT_EQ(parameters.size(), 8u);
@@ -55,7 +55,7 @@ TEST(FormChoices, EveryParameterTakesItsDefaultAndEveryChoice) {
 }
 
 TEST(FormChoices, EachPortOpensItsFile) {
-  const ScopedVariable display("DISPLAY", std::nullopt);
+  const rig::ScopedVariable display("DISPLAY", std::nullopt);
   rig::SerialDriver driver;
   const std::int32_t ports[] = {1, 11, 67, 129, 136};
   for (const std::int32_t port : ports) driver.plugIn(port);

@@ -24,8 +24,8 @@ class FormCommand : public testing::Test {
   }
   static std::string form(const rig::Words& arguments = {}) { return run(arguments).output; }
 
-  ScopedVariable language_{"LC_ALL", "C"};
-  ScopedVariable display_{"DISPLAY", std::nullopt};
+  rig::ScopedVariable language_{"LC_ALL", "C"};
+  rig::ScopedVariable display_{"DISPLAY", std::nullopt};
 };
 
 TEST_F(FormCommand, ShowsGroupsCaptionsDefaultsAndChoices) {
@@ -60,7 +60,7 @@ TEST_F(FormCommand, ShowsDescriptionsAndWhatTakesAnyValue) {
 
 TEST_F(FormCommand, QuotesNamesBecauseTheirBlanksCount) {
   const rig::XServer server({"AT&T Scanner <B>"});
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::ScopedVariable display("DISPLAY", server.display());
   EXPECT_THAT(form(), HasSubstr("\n      \"AT T Scanner  B \"\n"));
 }
 
@@ -83,7 +83,7 @@ TEST_F(FormCommand, FoldsNothingWhenAskedForAll) {
 }
 
 TEST_F(FormCommand, SpeaksTheLanguageOfItsUser) {
-  const ScopedVariable russian("LC_ALL", "ru_RU.UTF-8");
+  const rig::ScopedVariable russian("LC_ALL", "ru_RU.UTF-8");
   EXPECT_THAT(form(), HasSubstr("(число, по умолчанию 9600, видно, когда Port не равно 0)\n"));
 }
 

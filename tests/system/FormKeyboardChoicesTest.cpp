@@ -38,7 +38,7 @@ class FormKeyboardChoices : public testing::Test {
 
   // The two twins have one name in the form.
   rig::XServer server_{{"AT&T Scanner <B>", "Сканер", "Twin<", "Plain", "Twin>", "Tab\tScanner"}};
-  ScopedVariable display_{"DISPLAY", server_.display()};
+  rig::ScopedVariable display_{"DISPLAY", server_.display()};
   rig::Driver driver_;
 };
 

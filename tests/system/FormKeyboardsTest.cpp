@@ -8,8 +8,8 @@
 
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
+#include "tests/rig/ExpectedForm.h"
 #include "tests/rig/Form.h"
-#include "tests/rig/SettingsForm.h"
 #include "tests/rig/XServer.h"
 
 namespace {
@@ -21,7 +21,7 @@ using testing::UnorderedElementsAreArray;
 
 using Names = std::vector<std::string>;
 
-std::string item(const std::string& name) { return expected::item(name, name); }
+std::string item(const std::string& name) { return rig::choiceItem(name, name); }
 
 // A server with keyboards, and a component that sees it.
 struct Desktop {
@@ -31,7 +31,7 @@ struct Desktop {
   Names listed() { return rig::choicesOf(driver, "KeyboardDevice"); }
 
   rig::XServer server;
-  ScopedVariable display{"DISPLAY", server.display()};
+  rig::ScopedVariable display{"DISPLAY", server.display()};
   rig::Driver driver;
 };
 
@@ -61,10 +61,10 @@ Names listedByXinput() {
 
 TEST(FormKeyboards, NamesLoseWhatXmlCannotCarry) {
   Desktop desktop({"AT&T Scanner <B>", "O'Neill", "Сканер 2", "Plain"});
-  EXPECT_TRUE(expected::areSame(
-      desktop.document(), expected::settingsForm("ru", "",
-                                                 item("AT T Scanner  B ") + item("O Neill") +
-                                                     item("             2") + item("Plain"))));
+  EXPECT_TRUE(rig::areSame(desktop.document(),
+                           rig::expectedForm("ru", "",
+                                             item("AT T Scanner  B ") + item("O Neill") +
+                                                 item("             2") + item("Plain"))));
 }
 
 TEST(FormKeyboards, ControlCharactersInANameBecomeSpaces) {
@@ -95,7 +95,7 @@ TEST(FormKeyboards, AServerThatHasEndedLeavesTheRestOfTheForm) {
   Desktop desktop({"Scanner"});
   EXPECT_THAT(desktop.listed(), ElementsAre("Scanner"));
   desktop.server.kill();
-  EXPECT_TRUE(expected::areSame(desktop.document(), expected::settingsForm("ru", "", "")));
+  EXPECT_TRUE(rig::areSame(desktop.document(), rig::expectedForm("ru", "", "")));
 }
 
 TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
@@ -109,8 +109,7 @@ TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
 TEST(FormKeyboards, InEnglishAndWellFormed) {
   Desktop desktop({"AT&T Scanner <B>"});
   const std::string document = rig::englishForm();
-  EXPECT_TRUE(expected::areSame(document,
-                                expected::settingsForm("en", "", item("AT T Scanner  B ")) + "\n"));
+  EXPECT_TRUE(rig::areSame(document, rig::expectedForm("en", "", item("AT T Scanner  B ")) + "\n"));
   EXPECT_TRUE(rig::isWellFormed(document));
 }
 

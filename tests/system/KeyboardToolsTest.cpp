@@ -25,7 +25,7 @@ class KeyboardToolsTest : public testing::Test {
   }
 
   rig::XServer server_{{"Scanner", "Keys"}};
-  const ScopedVariable display_{"DISPLAY", server_.display()};
+  const rig::ScopedVariable display_{"DISPLAY", server_.display()};
 };
 
 TEST_F(KeyboardToolsTest, TypesItsTextsOnAKeyboardOfTheServer) {
@@ -77,7 +77,7 @@ TEST_F(KeyboardToolsTest, RefusesWhatNoKeyTypes) {
 
 TEST_F(KeyboardToolsTest, SaysWhatIsMissing) {
   EXPECT_EQ(scan({"--socket", "/no/such/socket", "1"}).code, 1);
-  const ScopedVariable display("DISPLAY", std::nullopt);
+  const rig::ScopedVariable display("DISPLAY", std::nullopt);
   const Ending ending = scan({"1"});
   EXPECT_EQ(ending.code, 1);
   EXPECT_EQ(ending.errors, "quorvel-scanner: cannot open the display\n");

@@ -37,8 +37,8 @@ class ComponentTest : public RestoredSettings {
 
   // Calls a driver method with fresh variants.
   bool call(long method) {
-    ret_ = untouchedVariant();
-    params_.fill(untouchedVariant());
+    ret_ = rig::untouchedVariant();
+    params_.fill(rig::untouchedVariant());
     return callAgain(method);
   }
 
@@ -48,7 +48,7 @@ class ComponentTest : public RestoredSettings {
   }
 
   bool setParameter(const WCHAR_T* name, const tVariant& value) {
-    params_[0] = textVariant(name);
+    params_[0] = rig::textVariant(name);
     params_[1] = value;
     EXPECT_TRUE(callAgain(kSetParameter));
     return resultFlag();
@@ -66,10 +66,10 @@ class ComponentTest : public RestoredSettings {
     return ret_.i8 != 0;
   }
 
-  FakeMemoryManager memory_;
-  FakeConnection connection_;
+  rig::FakeMemoryManager memory_;
+  rig::FakeConnection connection_;
   QuorvelNative component_{L"InputDevice", L"Штрихкод"};
-  tVariant ret_ = untouchedVariant();
+  tVariant ret_ = rig::untouchedVariant();
   std::array<tVariant, 7> params_{};
 };
 

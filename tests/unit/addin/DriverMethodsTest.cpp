@@ -13,16 +13,16 @@
 namespace quorvel {
 namespace {
 
-using test::boolVariant;
+using rig::boolVariant;
+using rig::doubleVariant;
+using rig::FakeMemoryManager;
+using rig::numberVariant;
+using rig::sameBytes;
+using rig::textIn;
+using rig::textVariant;
+using rig::untouchedVariant;
+using rig::variantOfType;
 using test::ComponentTest;
-using test::doubleVariant;
-using test::FakeMemoryManager;
-using test::numberVariant;
-using test::sameBytes;
-using test::textIn;
-using test::textVariant;
-using test::untouchedVariant;
-using test::variantOfType;
 
 // Of these methods nothing opens a window or looks at the machine.
 constexpr long kQuietMethods[] = {test::kGetVersion,
@@ -135,7 +135,7 @@ TEST_F(DriverMethods, SetParameterTakesANameOfAnyGivenLength) {
 }
 
 TEST_F(DriverMethods, ANameIsAWideString) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     SCOPED_TRACE(testing::Message() << "type code " << type);
     params_[0] = textVariant(u"Speed");
     params_[0].vt = static_cast<std::uint16_t>(type);
@@ -166,7 +166,7 @@ TEST_F(DriverMethods, ValuesMayBeOfAnyTypeAndNull) {
        {u"Port", u"KeyboardDevice", u"DataBits", u"StopBit", u"Speed", u"Prefix", u"Suffix",
         u"Timeout", u"TimeoutCOM", u"COMEncoding", u"GSSymbolKey", u"LogFileFolder",
         u"EquipmentType", u"OutputDataType", u"IgnoreKeyboardState"}) {
-    for (const unsigned type : test::typeCodes()) {
+    for (const unsigned type : rig::typeCodes()) {
       EXPECT_TRUE(setParameter(name, variantOfType(type)));
       // What says that it is a text is believed.
       if (type != 22) {
@@ -195,7 +195,7 @@ TEST_F(DriverMethods, CloseRefusesWhatIsNotOpen) {
   EXPECT_FALSE(close(textVariant(longId.c_str())));
   EXPECT_FALSE(close(textVariant(nullptr, 0)));
   EXPECT_FALSE(close(textVariant(nullptr, 13)));
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     EXPECT_FALSE(close(numberVariant(1, type == 22 ? 3 : type))) << "type code " << type;
   }
 }

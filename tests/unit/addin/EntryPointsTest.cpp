@@ -23,7 +23,7 @@ namespace {
 using EntryPoints = test::RestoredSettings;
 
 std::u16string registeredName(IComponentBase& component) {
-  test::FakeMemoryManager memory;
+  rig::FakeMemoryManager memory;
   component.setMemManager(&memory);
   WCHAR_T* name = nullptr;
   EXPECT_TRUE(component.RegisterExtensionAs(&name));

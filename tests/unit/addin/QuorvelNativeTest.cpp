@@ -12,9 +12,9 @@
 namespace quorvel {
 namespace {
 
+using rig::Event;
+using rig::FakeMemoryManager;
 using test::ComponentTest;
-using test::Event;
-using test::FakeMemoryManager;
 
 constexpr long kOddNumbers[] = {-1, 10, 11, INT_MIN, INT_MAX, LONG_MIN, LONG_MAX};
 
@@ -51,7 +51,7 @@ TEST_F(ComponentTest, InitWithoutAConnectionFails) {
 }
 
 TEST_F(ComponentTest, InitMayComeAgain) {
-  test::FakeConnection other;
+  rig::FakeConnection other;
   EXPECT_TRUE(component_.Init(&connection_));
   EXPECT_TRUE(component_.Init(&other));
   component_.OnInput(L"id", 16, 0, L"MTIz");
@@ -66,7 +66,7 @@ TEST_F(ComponentTest, InitWithoutAConnectionAfterwardsEndsTheEventsOnly) {
   EXPECT_FALSE(component_.Init(nullptr));
   component_.OnInput(L"id", 16, 0, L"MTIz");
   EXPECT_TRUE(connection_.events().empty());
-  EXPECT_TRUE(setParameter(u"Speed", test::numberVariant(9600)));
+  EXPECT_TRUE(setParameter(u"Speed", rig::numberVariant(9600)));
   EXPECT_TRUE(component_.Init(&connection_));
   component_.OnInput(L"id", 16, 0, L"MTIz");
   EXPECT_EQ(connection_.events().size(), 1u);
@@ -89,7 +89,7 @@ TEST_F(ComponentTest, DoneDoesNothing) {
   component_.Done();
   connect();
   component_.Done();
-  EXPECT_TRUE(setParameter(u"Speed", test::numberVariant(9600)));
+  EXPECT_TRUE(setParameter(u"Speed", rig::numberVariant(9600)));
   component_.OnInput(L"id", 16, 0, L"MTIz");
   EXPECT_EQ(connection_.events().size(), 1u);
 }
@@ -124,7 +124,7 @@ TEST_F(ComponentTest, HasNoProperties) {
   EXPECT_EQ(component_.FindProp(u""), -1);
   EXPECT_EQ(component_.FindProp(nullptr), -1);
   for (const long number : {0L, 1L, -1L, LONG_MIN, LONG_MAX}) {
-    tVariant value = test::untouchedVariant();
+    tVariant value = rig::untouchedVariant();
     EXPECT_EQ(component_.GetPropName(number, 0), nullptr);
     EXPECT_EQ(component_.GetPropName(number, -1), nullptr);
     EXPECT_FALSE(component_.GetPropVal(number, &value));
@@ -133,7 +133,7 @@ TEST_F(ComponentTest, HasNoProperties) {
     EXPECT_FALSE(component_.SetPropVal(number, nullptr));
     EXPECT_FALSE(component_.IsPropReadable(number));
     EXPECT_FALSE(component_.IsPropWritable(number));
-    EXPECT_TRUE(test::sameBytes(value, test::untouchedVariant()));
+    EXPECT_TRUE(rig::sameBytes(value, rig::untouchedVariant()));
   }
 }
 
@@ -170,7 +170,7 @@ TEST_F(ComponentTest, OtherNumbersAreNoMethods) {
     EXPECT_EQ(component_.GetNParams(number), 0);
     EXPECT_TRUE(component_.HasRetVal(number));
     EXPECT_FALSE(call(number));
-    EXPECT_TRUE(test::sameBytes(ret_, test::untouchedVariant()));
+    EXPECT_TRUE(rig::sameBytes(ret_, rig::untouchedVariant()));
   }
   EXPECT_TRUE(memory_.requests.empty());
 }
@@ -198,7 +198,7 @@ TEST_F(ComponentTest, MethodNamesNeedMemoryOfTheHost) {
 TEST_F(ComponentTest, NoParameterHasADefault) {
   for (const long number : {0L, 4L, 9L, 10L, -1L, LONG_MIN, LONG_MAX}) {
     for (const long parameter : {0L, 1L, -1L, LONG_MAX}) {
-      tVariant value = test::untouchedVariant();
+      tVariant value = rig::untouchedVariant();
       EXPECT_FALSE(component_.GetParamDefValue(number, parameter, &value));
       EXPECT_EQ(value.vt, 0);
       EXPECT_FALSE(component_.GetParamDefValue(number, parameter, nullptr));
@@ -209,10 +209,10 @@ TEST_F(ComponentTest, NoParameterHasADefault) {
 TEST_F(ComponentTest, NoMethodIsAProcedure) {
   connect();
   for (long number = -1; number <= 10; ++number) {
-    params_.fill(test::untouchedVariant());
+    params_.fill(rig::untouchedVariant());
     EXPECT_FALSE(component_.CallAsProc(number, params_.data(), 7));
     EXPECT_FALSE(component_.CallAsProc(number, nullptr, 0));
-    EXPECT_TRUE(test::sameBytes(params_[0], test::untouchedVariant()));
+    EXPECT_TRUE(rig::sameBytes(params_[0], rig::untouchedVariant()));
   }
 }
 

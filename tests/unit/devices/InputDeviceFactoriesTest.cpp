@@ -9,7 +9,7 @@ namespace quorvel {
 namespace {
 
 TEST(InputDeviceFactory, CreatesInTheSlotBehindItsDestructor) {
-  EXPECT_EQ(slotOf(&InputDeviceFactory::create), 2u);
+  EXPECT_EQ(rig::slotOf(&InputDeviceFactory::create), 2u);
 }
 
 TEST(InputDeviceComPortFactory, HasDefaultsOfItsOwn) {

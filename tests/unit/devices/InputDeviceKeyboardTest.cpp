@@ -8,6 +8,7 @@
 
 #include "devices/InputDeviceKeyboard.h"
 #include "tests/rig/Environment.h"
+#include "tests/rig/Patience.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
 #include "util/Base64.h"
@@ -15,12 +16,11 @@
 namespace quorvel {
 namespace {
 
+using rig::kPatience;
 using terminal::Key;
 using terminal::strokeFor;
 using terminal::tap;
 using terminal::type;
-
-constexpr std::chrono::seconds kPatience{20};
 
 // The messages of a device, decoded.
 class Messages {
@@ -61,7 +61,7 @@ class InputDeviceKeyboardTest : public testing::Test {
   static terminal::VirtualKeyboard& scanner() { return server_->keyboard(0); }
 
   static inline std::unique_ptr<rig::XServer> server_;
-  const ScopedVariable display_{"DISPLAY", server_->display()};
+  const rig::ScopedVariable display_{"DISPLAY", server_->display()};
   InputDeviceKeyboardFactory factory_;
   Messages messages_;
 };
@@ -184,7 +184,7 @@ TEST_F(InputDeviceKeyboardTest, ADeviceThatCannotBeOpenedIsNone) {
   EXPECT_FALSE(factory_.create(messages_.callback()));
   factory_.keyboardDevice = L"";
   EXPECT_FALSE(factory_.create(messages_.callback()));
-  const ScopedVariable display("DISPLAY", std::nullopt);
+  const rig::ScopedVariable display("DISPLAY", std::nullopt);
   factory_.keyboardDevice = L"Scanner";
   EXPECT_FALSE(factory_.create(messages_.callback()));
 }

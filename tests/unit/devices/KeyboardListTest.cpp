@@ -27,7 +27,7 @@ class KeyboardListTest : public testing::Test {
   }
 
   rig::XServer server_{{"AT&T <Scanner>", "Сканер", "Twin&", "Twin<"}};
-  const ScopedVariable display_{"DISPLAY", server_.display()};
+  const rig::ScopedVariable display_{"DISPLAY", server_.display()};
   const XConnection connection_ = XConnection::open();
 };
 

@@ -115,7 +115,7 @@ TEST(DeviceFiles, OfAnUnknownPrefixAreNone) {
 }
 
 TEST(DeviceFiles, AreNoneWhereTheyCannotBeSearched) {
-  const ScopedVariable nowhere("PATH", "/nonexistent");
+  const rig::ScopedVariable nowhere("PATH", "/nonexistent");
   EXPECT_TRUE(findDeviceFiles("null").empty());
 }
 

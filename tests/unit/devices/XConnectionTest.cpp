@@ -43,12 +43,12 @@ class XConnectionTest : public testing::Test {
   }
 
   rig::XServer server_{{"Scanner"}};
-  const ScopedVariable display_{"DISPLAY", server_.display()};
+  const rig::ScopedVariable display_{"DISPLAY", server_.display()};
   const XErrorHandler before_;
 };
 
 TEST(XConnectionWithoutServer, IsEmpty) {
-  const ScopedVariable display("DISPLAY", std::nullopt);
+  const rig::ScopedVariable display("DISPLAY", std::nullopt);
   const XConnection connection = XConnection::open();
   EXPECT_FALSE(connection);
   EXPECT_EQ(connection.get(), nullptr);
@@ -56,8 +56,8 @@ TEST(XConnectionWithoutServer, IsEmpty) {
 }
 
 TEST(XConnectionWithoutServer, IsEmptyWhenTheServerBreaksOffWhileItIsOpened) {
-  const test::BrokenXServer server;
-  const ScopedVariable display("DISPLAY", server.display());
+  const rig::BrokenXServer server;
+  const rig::ScopedVariable display("DISPLAY", server.display());
   // In a process of its own: what there was of the connection is never freed.
   EXPECT_EXIT(std::_Exit(XConnection::open() ? 1 : 0), testing::ExitedWithCode(0), "");
 }

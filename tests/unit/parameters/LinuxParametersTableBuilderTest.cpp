@@ -10,7 +10,7 @@
 #include "devices/SerialFamilies.h"
 #include "parameters/LinuxParametersTableBuilder.h"
 #include "tests/rig/Environment.h"
-#include "tests/rig/SettingsForm.h"
+#include "tests/rig/ExpectedForm.h"
 #include "tests/rig/VirtualSlots.h"
 #include "util/Handles.h"
 #include "util/Text.h"
@@ -48,8 +48,8 @@ class FakeFind {
   }
 
   fs::path folder_ = temporaryFolder();
-  ScopedVariable path_{"PATH", folder_};
-  ScopedVariable display_{"DISPLAY", std::nullopt};
+  rig::ScopedVariable path_{"PATH", folder_};
+  rig::ScopedVariable display_{"DISPLAY", std::nullopt};
 };
 
 std::wstring comPorts(const std::string& lines) {
@@ -59,7 +59,7 @@ std::wstring comPorts(const std::string& lines) {
 }
 
 std::wstring wideItem(const std::wstring& value, const std::wstring& text) {
-  return str2wstr(expected::item(wstr2str(value), wstr2str(text)));
+  return str2wstr(rig::choiceItem(wstr2str(value), wstr2str(text)));
 }
 
 std::string formOf(bool russian) {
@@ -75,22 +75,22 @@ bool isWellFormed(const std::string& document) {
 }
 
 TEST(LinuxParametersTableBuilder, OverridesInTheSameSlots) {
-  EXPECT_EQ(slotOf(&Builder::BuildPortPart), 3u);
-  EXPECT_EQ(slotOf(&Builder::BuildKeyboardDevicePart), 4u);
-  EXPECT_EQ(slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildPortPart), 3u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildKeyboardDevicePart), 4u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
   EXPECT_EQ(sizeof(Builder), sizeof(ParametersTableBuilder));
 }
 
 TEST(LinuxParametersTableBuilder, WholeFormWithoutDevices) {
   const FakeFind find;
-  EXPECT_TRUE(expected::areSame(formOf(false), expected::settingsForm("en", "", "")));
-  EXPECT_TRUE(expected::areSame(formOf(true), expected::settingsForm("ru", "", "")));
+  EXPECT_TRUE(rig::areSame(formOf(false), rig::expectedForm("en", "", "")));
+  EXPECT_TRUE(rig::areSame(formOf(true), rig::expectedForm("ru", "", "")));
 }
 
 TEST(LinuxParametersTableBuilder, WholeFormWithEveryFamily) {
-  const std::string ports = expected::item("1", "COM1") + expected::item("2", "COM2") +
-                            expected::item("65", "Virtual COM1") +
-                            expected::item("129", "USB COM1");
+  const std::string ports = rig::choiceItem("1", "COM1") + rig::choiceItem("2", "COM2") +
+                            rig::choiceItem("65", "Virtual COM1") +
+                            rig::choiceItem("129", "USB COM1");
   std::string english;
   std::string russian;
   {
@@ -101,8 +101,8 @@ TEST(LinuxParametersTableBuilder, WholeFormWithEveryFamily) {
     english = formOf(false);
     russian = formOf(true);
   }
-  EXPECT_TRUE(expected::areSame(english, expected::settingsForm("en", ports, "")));
-  EXPECT_TRUE(expected::areSame(russian, expected::settingsForm("ru", ports, "")));
+  EXPECT_TRUE(rig::areSame(english, rig::expectedForm("en", ports, "")));
+  EXPECT_TRUE(rig::areSame(russian, rig::expectedForm("ru", ports, "")));
   EXPECT_TRUE(isWellFormed(english));
   EXPECT_TRUE(isWellFormed(russian));
 }
@@ -126,7 +126,7 @@ TEST(LinuxParametersTableBuilder, ThePartsNoSystemFillsAreEmptyHereToo) {
 }
 
 TEST(COMDevicesList, IsEmptyWhereFindCannotRun) {
-  const ScopedVariable path("PATH", "");
+  const rig::ScopedVariable path("PATH", "");
   EXPECT_EQ(Builder(false).GetCOMDevicesList("ttyS", L"COM", 0), L"");
 }
 
@@ -169,9 +169,9 @@ TEST(COMDevicesList, SurvivesNumbersThatNoPortHas) {
 }
 
 TEST(EventDeviceList, IsEmptyWithoutADisplay) {
-  const ScopedVariable none("DISPLAY", std::nullopt);
+  const rig::ScopedVariable none("DISPLAY", std::nullopt);
   EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
-  const ScopedVariable unreachable("DISPLAY", ":nowhere");
+  const rig::ScopedVariable unreachable("DISPLAY", ":nowhere");
   EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
 }
 

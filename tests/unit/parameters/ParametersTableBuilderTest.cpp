@@ -25,20 +25,20 @@ std::wstring productOf(void (Builder::*part)(), bool russian = false) {
 }
 
 TEST(ParametersTableBuilder, SlotsInOrder) {
-  EXPECT_EQ(slotOf(&Builder::BuildHeaderPart), 2u);
-  EXPECT_EQ(slotOf(&Builder::BuildPortPart), 3u);
-  EXPECT_EQ(slotOf(&Builder::BuildKeyboardDevicePart), 4u);
-  EXPECT_EQ(slotOf(&Builder::BuildBitsPart), 5u);
-  EXPECT_EQ(slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
-  EXPECT_EQ(slotOf(&Builder::BuildGroupDividerPart), 7u);
-  EXPECT_EQ(slotOf(&Builder::BuildPrefixPart), 8u);
-  EXPECT_EQ(slotOf(&Builder::BuildSuffixPart), 9u);
-  EXPECT_EQ(slotOf(&Builder::BuildKeyboardTimeoutPart), 10u);
-  EXPECT_EQ(slotOf(&Builder::BuildCOMPortTimeoutAndEncodingPart), 11u);
-  EXPECT_EQ(slotOf(&Builder::BuildGSSymbolPart), 12u);
-  EXPECT_EQ(slotOf(&Builder::BuildDeviceParametersGroupEndPart), 13u);
-  EXPECT_EQ(slotOf(&Builder::BuildLogParametersPart), 14u);
-  EXPECT_EQ(slotOf(&Builder::BuildEndPart), 15u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildHeaderPart), 2u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildPortPart), 3u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildKeyboardDevicePart), 4u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildBitsPart), 5u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildGroupDividerPart), 7u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildPrefixPart), 8u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildSuffixPart), 9u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildKeyboardTimeoutPart), 10u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildCOMPortTimeoutAndEncodingPart), 11u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildGSSymbolPart), 12u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildDeviceParametersGroupEndPart), 13u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildLogParametersPart), 14u);
+  EXPECT_EQ(rig::slotOf(&Builder::BuildEndPart), 15u);
 }
 
 TEST(ParametersTableBuilder, StartsEmpty) { EXPECT_EQ(Builder(true).GetProduct(), L""); }

@@ -75,28 +75,28 @@ TEST_F(AppSettingsTest, AreIndependentOfEachOther) {
 }
 
 TEST_F(AppSettingsTest, AnAbsentValueIsTheDefaultTypeCodeIncluded) {
-  const tVariant fallback = test::untouchedVariant();
-  EXPECT_TRUE(test::sameBytes(AppSettings::value(L"absent", fallback), fallback));
-  EXPECT_EQ(AppSettings::value(L"absent", test::numberVariant(5)).vt, 3);
+  const tVariant fallback = rig::untouchedVariant();
+  EXPECT_TRUE(rig::sameBytes(AppSettings::value(L"absent", fallback), fallback));
+  EXPECT_EQ(AppSettings::value(L"absent", rig::numberVariant(5)).vt, 3);
 }
 
 TEST_F(AppSettingsTest, AValueIsKeptBitByBit) {
-  const tVariant value = test::untouchedVariant();
+  const tVariant value = rig::untouchedVariant();
   AppSettings::setValue(L"bits", value);
-  EXPECT_TRUE(test::sameBytes(AppSettings::value(L"bits", test::numberVariant(0)), value));
+  EXPECT_TRUE(rig::sameBytes(AppSettings::value(L"bits", rig::numberVariant(0)), value));
 }
 
 TEST_F(AppSettingsTest, OnlyTheLastOfTwoValuesIsKept) {
-  AppSettings::setValue(L"twice", test::numberVariant(1));
-  AppSettings::setValue(L"twice", test::numberVariant(2));
-  EXPECT_EQ(AppSettings::value(L"twice", test::numberVariant(0)).intValue, 2);
-  EXPECT_EQ(AppSettings::value(L"Twice", test::numberVariant(0)).intValue, 0);
+  AppSettings::setValue(L"twice", rig::numberVariant(1));
+  AppSettings::setValue(L"twice", rig::numberVariant(2));
+  EXPECT_EQ(AppSettings::value(L"twice", rig::numberVariant(0)).intValue, 2);
+  EXPECT_EQ(AppSettings::value(L"Twice", rig::numberVariant(0)).intValue, 0);
 }
 
 TEST_F(AppSettingsTest, AStringIsKeptAsItsPointer) {
   const std::u16string text = u"text";
-  AppSettings::setValue(L"text", test::textVariant(text.c_str()));
-  const tVariant value = AppSettings::value(L"text", test::numberVariant(0));
+  AppSettings::setValue(L"text", rig::textVariant(text.c_str()));
+  const tVariant value = AppSettings::value(L"text", rig::numberVariant(0));
   EXPECT_EQ(value.wide.text, text.c_str());
   EXPECT_EQ(value.wide.length, 4u);
 }
@@ -113,18 +113,18 @@ TEST_F(AppSettingsTest, AnyNumberOfThreadsMayUseThem) {
         AppSettings::setLocale(number % 3);
         AppSettings::setIODataType(number % 4);
         AppSettings::setDeviceType(number % 34);
-        AppSettings::setValue(own, test::numberVariant(round));
-        AppSettings::setValue(L"common", test::numberVariant(round));
+        AppSettings::setValue(own, rig::numberVariant(round));
+        AppSettings::setValue(L"common", rig::numberVariant(round));
         EXPECT_LE(AppSettings::locale(), 1u);
         EXPECT_LE(AppSettings::ioDataType(), 2u);
         EXPECT_LE(AppSettings::deviceType(), 32u);
-        EXPECT_EQ(AppSettings::value(own, test::numberVariant(-1)).intValue, round);
-        EXPECT_GE(AppSettings::value(L"common", test::numberVariant(-1)).intValue, 0);
+        EXPECT_EQ(AppSettings::value(own, rig::numberVariant(-1)).intValue, round);
+        EXPECT_GE(AppSettings::value(L"common", rig::numberVariant(-1)).intValue, 0);
       }
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(AppSettings::value(L"common", test::numberVariant(-1)).intValue, kRounds - 1);
+  EXPECT_EQ(AppSettings::value(L"common", rig::numberVariant(-1)).intValue, kRounds - 1);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include "performer/AppSettings.h"
 #include "tests/rig/Environment.h"
-#include "tests/rig/SettingsForm.h"
+#include "tests/rig/ExpectedForm.h"
 #include "tests/unit/performer/OpenPerformer.h"
 #include "util/Text.h"
 
@@ -21,14 +21,14 @@ class GetParameters : public testing::Test {
   }
 
   unsigned localeBefore_ = AppSettings::locale();
-  ScopedVariable path_{"PATH", ""};
-  ScopedVariable display_{"DISPLAY", std::nullopt};
+  rig::ScopedVariable path_{"PATH", ""};
+  rig::ScopedVariable display_{"DISPLAY", std::nullopt};
   test::OpenPerformer performer_;
 };
 
 TEST_F(GetParameters, IsTheFormInTheLanguageOfTheLocale) {
-  EXPECT_TRUE(expected::areSame(formIn(0), expected::settingsForm("ru", "", "")));
-  EXPECT_TRUE(expected::areSame(formIn(1), expected::settingsForm("en", "", "")));
+  EXPECT_TRUE(rig::areSame(formIn(0), rig::expectedForm("ru", "", "")));
+  EXPECT_TRUE(rig::areSame(formIn(1), rig::expectedForm("en", "", "")));
 }
 
 TEST_F(GetParameters, IsBuiltAnewEachTime) {

@@ -46,11 +46,11 @@ TEST(KeyValue, TakesAnyKey) {
 }
 
 TEST(KeyValue, KeepsAWholeVariant) {
-  tVariant stored = test::untouchedVariant();
+  tVariant stored = rig::untouchedVariant();
   KeyValue<std::wstring, tVariant> values;
   values.setValue(L"key", stored);
-  EXPECT_TRUE(test::sameBytes(values.value(L"key", test::numberVariant(0)), stored));
-  EXPECT_TRUE(test::sameBytes(values.value(L"other", stored), stored));
+  EXPECT_TRUE(rig::sameBytes(values.value(L"key", rig::numberVariant(0)), stored));
+  EXPECT_TRUE(rig::sameBytes(values.value(L"other", stored), stored));
 }
 
 TEST(KeyValue, ACopyKeepsWhatItSaw) {

@@ -17,12 +17,12 @@ namespace quorvel {
 namespace {
 
 using namespace std::string_literals;
-using test::boolVariant;
-using test::doubleVariant;
-using test::numberVariant;
+using rig::boolVariant;
+using rig::doubleVariant;
+using rig::numberVariant;
+using rig::textVariant;
+using rig::variantOfType;
 using test::OpenPerformer;
-using test::textVariant;
-using test::variantOfType;
 
 // Everything that a parameter can change, by name and as text.
 using Snapshot = std::map<std::string, std::wstring>;
@@ -175,7 +175,7 @@ TEST_F(ParametersTest, NumbersAreTakenFromTheTypesOfNumbersOnly) {
   const std::set<unsigned> doubles = {4, 5};
   for (const Parameter& parameter : kParameters) {
     if (!takesNumbers(parameter)) continue;
-    for (const unsigned type : test::typeCodes()) {
+    for (const unsigned type : rig::typeCodes()) {
       SCOPED_TRACE(testing::Message()
                    << testing::PrintToString(parameter.name) << ", type code " << type);
       const bool isDouble = doubles.count(type) != 0;
@@ -214,7 +214,7 @@ TEST_F(ParametersTest, CharactersAreStringsOfOneCharacterOrNone) {
 TEST_F(ParametersTest, TextsAreTakenFromWideStringsOnly) {
   for (const Parameter& parameter : kParameters) {
     if (parameter.takes != Takes::kText) continue;
-    for (const unsigned type : test::typeCodes()) {
+    for (const unsigned type : rig::typeCodes()) {
       SCOPED_TRACE(testing::Message()
                    << testing::PrintToString(parameter.name) << ", type code " << type);
       tVariant value = textVariant(u"Сканер");
@@ -236,7 +236,7 @@ TEST_F(ParametersTest, ANumberIsNeverFollowedAsAText) {
 TEST_F(ParametersTest, ANullPointerIsTheEmptyTextWhateverItsTypeAndLength) {
   for (const Parameter& parameter : kParameters) {
     if (parameter.takes != Takes::kText) continue;
-    for (const unsigned type : test::typeCodes()) {
+    for (const unsigned type : rig::typeCodes()) {
       for (const std::uint32_t length : {0u, 5u, 10000u}) {
         OpenPerformer performer;
         set(performer, parameter.name, textVariant(u"before"));
@@ -271,7 +271,7 @@ TEST_F(ParametersTest, TextsMayBeLong) {
 }
 
 TEST_F(ParametersTest, LogFileFolderTakesAnythingAndChangesNothing) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     EXPECT_EQ(after(L"LogFileFolder", numberVariant(77, type)), kDefaults) << type;
   }
   EXPECT_EQ(after(L"LogFileFolder", textVariant(u"/var/log")), kDefaults);
@@ -279,7 +279,7 @@ TEST_F(ParametersTest, LogFileFolderTakesAnythingAndChangesNothing) {
 }
 
 TEST_F(ParametersTest, IgnoreKeyboardStateTakesBooleansOnly) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     // All zeros: false, for what is a boolean.
     EXPECT_EQ(after(L"IgnoreKeyboardState", variantOfType(type)),
               type == 11 ? defaultsWith({"keyboard ignoreKeyboardState"}, L"0") : kDefaults)
@@ -338,7 +338,7 @@ TEST_F(ParametersTest, OtherEquipmentNamesChangeOnlyTheText) {
 }
 
 TEST_F(ParametersTest, EquipmentNamesAreWideStringsOnly) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     if (type == 22) continue;
     tVariant value = textVariant(u"СчитывательМагнитныхКарт");
     value.vt = static_cast<std::uint16_t>(type);
@@ -405,9 +405,9 @@ TEST_F(ParametersTest, AreNotReadBack) {
   OpenPerformer performer;
   const std::wstring longName(10000, L'x');
   for (const wchar_t* const name : {L"Port", L"Speed", L"", L"no such name", longName.c_str()}) {
-    EXPECT_TRUE(test::sameBytes(performer.GetParameter(name), variantOfType(0)));
+    EXPECT_TRUE(rig::sameBytes(performer.GetParameter(name), variantOfType(0)));
   }
-  EXPECT_TRUE(test::sameBytes(performer.GetParameter(nullptr), variantOfType(0)));
+  EXPECT_TRUE(rig::sameBytes(performer.GetParameter(nullptr), variantOfType(0)));
 }
 
 }  // namespace

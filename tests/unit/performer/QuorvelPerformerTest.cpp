@@ -18,7 +18,7 @@
 namespace quorvel {
 namespace {
 
-using test::numberVariant;
+using rig::numberVariant;
 using test::OpenPerformer;
 
 // A device that reports its end.
@@ -43,13 +43,13 @@ class PerformerTest : public test::RestoredSettings {
 };
 
 TEST_F(PerformerTest, OperationsHaveTheirSlots) {
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::OpenDevice), 2u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::CloseDevice), 3u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::TestDevice), 4u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::GetLastError), 5u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::GetParameters), 6u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::SetParameter), 7u);
-  EXPECT_EQ(slotOf(&QuorvelPerformerBase::GetParameter), 8u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::OpenDevice), 2u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::CloseDevice), 3u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::TestDevice), 4u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::GetLastError), 5u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::GetParameters), 6u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::SetParameter), 7u);
+  EXPECT_EQ(rig::slotOf(&QuorvelPerformerBase::GetParameter), 8u);
 }
 
 TEST_F(PerformerTest, KeepsTheConnectionAndACopyOfTheCallback) {
@@ -59,7 +59,7 @@ TEST_F(PerformerTest, KeepsTheConnectionAndACopyOfTheCallback) {
     using QuorvelPerformerLinux::connection_;
     using QuorvelPerformerLinux::QuorvelPerformerLinux;
   };
-  test::FakeConnection connection;
+  rig::FakeConnection connection;
   const auto kept = std::make_shared<int>(0);
   {
     InputCallback callback = [kept](const std::wstring&, int, int, const std::wstring&) {};
@@ -178,9 +178,9 @@ TEST_F(PerformerTest, AFailureToOpenLeavesTheDeviceThatHasTheIdentifier) {
 }
 
 TEST_F(PerformerTest, WithoutADisplayThereIsNoKeyboardToOpen) {
-  const ScopedVariable noDisplay("DISPLAY", std::nullopt);
+  const rig::ScopedVariable noDisplay("DISPLAY", std::nullopt);
   OpenPerformer performer;
-  performer.SetParameter(L"KeyboardDevice", test::textVariant(u"Scanner"));
+  performer.SetParameter(L"KeyboardDevice", rig::textVariant(u"Scanner"));
   EXPECT_FALSE(performer.OpenDevice(L"A"));
   EXPECT_TRUE(performer.devices_.empty());
 }

@@ -31,7 +31,7 @@ std::vector<Pair> publishedVectors() {
 
 // Every length up to 64 and some long ones, so that every tail occurs many times.
 std::vector<std::string> randomRaws(unsigned seed) {
-  test::RandomBytes random(seed);
+  rig::RandomBytes random(seed);
   std::vector<std::string> raws;
   for (std::size_t length = 0; length <= 64; ++length) raws.push_back(random.bytes(length));
   for (const std::size_t length : {255, 256, 1000, 4095, 10000}) {
@@ -69,7 +69,7 @@ TEST(Base64, UsesTheStandardAlphabetInOrder) {
 
 TEST(Base64, EncodesAsTheSystemsProgramDoes) {
   const std::vector<std::string> raws = randomRaws(1);
-  const std::vector<test::CommandResult> expected = test::resultsOf("base64 -w0", raws);
+  const std::vector<rig::CommandResult> expected = rig::resultsOf("base64 -w0", raws);
   for (std::size_t i = 0; i < raws.size(); ++i) {
     ASSERT_TRUE(expected[i].succeeded);
     EXPECT_EQ(base64_encode(raws[i]), expected[i].output) << raws[i].size() << " bytes";
@@ -77,7 +77,7 @@ TEST(Base64, EncodesAsTheSystemsProgramDoes) {
 }
 
 TEST(Base64, TheSystemsProgramReadsWhatIsEncoded) {
-  test::RandomBytes random(2);
+  rig::RandomBytes random(2);
   std::string text;
   std::string expected;
   for (int i = 0; i < 1000; ++i) {
@@ -86,7 +86,7 @@ TEST(Base64, TheSystemsProgramReadsWhatIsEncoded) {
     text += base64_encode(raw);
     expected += raw;
   }
-  EXPECT_EQ(test::outputOf("base64 -d", text), expected);
+  EXPECT_EQ(rig::outputOf("base64 -d", text), expected);
 }
 
 TEST(Base64, RoundTripsKeepEveryByte) {
@@ -137,7 +137,7 @@ TEST(Base64, AnIncompleteGroupGivesTheBytesItHolds) {
 }
 
 TEST(Base64, GarbageDecodesToWhatPrecedesTheFirstForeignCharacter) {
-  test::RandomBytes random(5);
+  rig::RandomBytes random(5);
   std::vector<std::string> texts;
   std::string completed;  // the meaningful part of each text, with zero sextets up to a full group
   for (int i = 0; i < 2000; ++i) {
@@ -146,7 +146,7 @@ TEST(Base64, GarbageDecodesToWhatPrecedesTheFirstForeignCharacter) {
     while (part.size() % 4 != 0) part += 'A';
     completed += part;
   }
-  const std::string raw = test::outputOf("base64 -d", completed);
+  const std::string raw = rig::outputOf("base64 -d", completed);
   std::size_t at = 0;
   for (const std::string& text : texts) {
     const std::size_t characters = std::min(text.find_first_not_of(kAlphabet), text.size());

@@ -27,7 +27,7 @@ std::wstring fromWide(const std::string& bytes) {
 std::vector<std::wstring> decodedBySystem(const std::string& encoding,
                                           const std::vector<std::string>& inputs) {
   std::vector<std::wstring> texts;
-  for (const auto& result : test::resultsOf("iconv -f " + encoding + " -t WCHAR_T", inputs)) {
+  for (const auto& result : rig::resultsOf("iconv -f " + encoding + " -t WCHAR_T", inputs)) {
     texts.push_back(result.succeeded ? fromWide(result.output) : L"");
   }
   return texts;
@@ -54,7 +54,7 @@ std::string utf8Of(unsigned code) {
 }
 
 // Random characters of one to four bytes, surrogates (invalid in UTF-8) now and then.
-std::string randomUtf8(test::RandomBytes& random) {
+std::string randomUtf8(rig::RandomBytes& random) {
   std::string bytes;
   for (unsigned left = random.number(20); left > 0; --left) {
     const unsigned last[] = {0x7F, 0x7FF, 0xFFFF, 0x10FFFF};
@@ -115,7 +115,7 @@ TEST(ConvertMbsToWcs, EveryByteOfWindows1251AsTheSystemsProgramDecodesIt) {
 }
 
 TEST(ConvertMbsToWcs, Utf8AsTheSystemsProgramDecodesIt) {
-  test::RandomBytes random(1);
+  rig::RandomBytes random(1);
   std::vector<std::string> inputs;
   for (int i = 0; i < 60; ++i) {
     std::string text = randomUtf8(random);

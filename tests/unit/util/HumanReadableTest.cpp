@@ -74,7 +74,7 @@ TEST(RawToHRS, EveryByteIsEitherVisibleOrCoded) {
 }
 
 TEST(RawToHRS, RandomBytesReadAsAnotherWriterWritesThem) {
-  test::RandomBytes random(1);
+  rig::RandomBytes random(1);
   for (int i = 0; i < 500; ++i) {
     const std::string raw = random.bytes(random.number(60));
     EXPECT_EQ(raw2HRS(raw), expectedHRS(raw));

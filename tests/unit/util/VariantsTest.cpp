@@ -14,11 +14,11 @@ namespace quorvel {
 namespace {
 
 using namespace std::string_literals;
-using test::doubleVariant;
-using test::FakeMemoryManager;
-using test::numberVariant;
-using test::textVariant;
-using test::variantOfType;
+using rig::doubleVariant;
+using rig::FakeMemoryManager;
+using rig::numberVariant;
+using rig::textVariant;
+using rig::variantOfType;
 
 constexpr unsigned kTypeCodes = 0x10000;  // there are no more than these
 constexpr std::int32_t kUntouched = 77;
@@ -33,26 +33,26 @@ TEST(EmptyVariant, IsAllZeros) {
 
 TEST(SetBool, WritesOneByteAndTheTypeCode) {
   for (const bool value : {false, true}) {
-    tVariant expected = test::untouchedVariant();
+    tVariant expected = rig::untouchedVariant();
     expected.i8 = value;
     expected.vt = 11;
-    tVariant variant = test::untouchedVariant();
+    tVariant variant = rig::untouchedVariant();
     setBool(variant, value);
     EXPECT_EQ(bytesOf(variant), bytesOf(expected));
   }
 }
 
 TEST(SetInt, WritesTheNumberAndTheTypeCode) {
-  tVariant expected = test::untouchedVariant();
+  tVariant expected = rig::untouchedVariant();
   expected.intValue = -5;
   expected.vt = 3;
-  tVariant variant = test::untouchedVariant();
+  tVariant variant = rig::untouchedVariant();
   setInt(variant, -5);
   EXPECT_EQ(bytesOf(variant), bytesOf(expected));
 }
 
 TEST(TextFromVariant, LooksAtNoTypeCode) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     tVariant variant = textVariant(u"Привет");
     variant.vt = static_cast<std::uint16_t>(type);
     EXPECT_EQ(convFromShortWchar(variant), L"Привет") << "type code " << type;
@@ -68,7 +68,7 @@ TEST(TextFromVariant, TakesTheLengthOfTheVariant) {
 }
 
 TEST(ExpectedText, OnlyAWideStringOrANullPointerIsOne) {
-  for (const unsigned type : test::typeCodes()) {
+  for (const unsigned type : rig::typeCodes()) {
     SCOPED_TRACE(testing::Message() << "type code " << type);
     tVariant text = textVariant(u"abc");
     text.vt = static_cast<std::uint16_t>(type);
