@@ -85,7 +85,7 @@ bool InputDeviceComPort::start(const InputDeviceComPortFactory& factory) {
   if (!openPort()) return false;
   setSpeed();
   running_ = true;
-  if (thread_.start(ThreadFunction, this, factory.stackBytes)) return true;
+  if (thread_.start(ThreadFunction, this, factory.forTestWindow ? kSmallStack : 0)) return true;
   running_ = false;
   descriptor_.reset();
   return false;

@@ -1,7 +1,6 @@
 // The configurations from which devices are made: plain values, filled from the host's parameters.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -36,7 +35,7 @@ class InputDeviceComPortFactory : public InputDeviceFactory {
   std::wstring suffix = L"\r";  // ends a message; empty: a message is what comes in one burst
   std::int32_t timeoutCOM = 5;  // milliseconds; kept
   std::wstring comEncoding;     // for the text of a message, which is ASCII in every encoding
-  std::size_t stackBytes = 0;   // of the reader thread, as for PosixThread::start
+  bool forTestWindow = false;   // the callback is the driver's own: a small stack is enough
 };
 
 class InputDeviceKeyboardFactory : public InputDeviceFactory {
@@ -53,7 +52,7 @@ class InputDeviceKeyboardFactory : public InputDeviceFactory {
   std::wstring keyboardDevice;      // the trimmed name of the X input device
   bool spareFlag2 = false;          // kept
   bool ignoreKeyboardState = true;  // kept
-  std::size_t stackBytes = 0;       // of the reader thread, as for PosixThread::start
+  bool forTestWindow = false;       // the callback is the driver's own: a small stack is enough
 };
 
 }  // namespace quorvel

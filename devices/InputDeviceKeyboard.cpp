@@ -75,7 +75,7 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
   stop_ = FileDescriptor(eventfd(0, EFD_CLOEXEC));
   if (!stop_) return false;
   running_ = true;
-  return thread_.start(ThreadFunction, this, factory.stackBytes);
+  return thread_.start(ThreadFunction, this, factory.forTestWindow ? kSmallStack : 0);
 }
 
 bool InputDeviceKeyboard::connect() {
