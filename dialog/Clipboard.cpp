@@ -16,8 +16,8 @@ struct Offer {
   std::promise<bool> taken;
 };
 
-// The thread of one text. It makes the connection as well as answering on it: every signal is
-// blocked here, so that a server that goes away cannot end the host by SIGPIPE.
+// The thread that serves one text. It also makes the connection, because it blocks every signal: a
+// vanishing server must not kill the host by SIGPIPE.
 void* offerText(void* argument) {
   pthread_detach(pthread_self());
   const std::unique_ptr<Offer> offer(static_cast<Offer*>(argument));
@@ -27,7 +27,7 @@ void* offerText(void* argument) {
     offer->taken.set_value(taken);
     if (taken) owner.serve();
   } catch (...) {
-    // Without memory the text is withdrawn; a caller that still waits learns of the broken promise.
+    // Out of memory. The text is withdrawn; a caller still waiting gets a broken promise.
   }
   return nullptr;
 }
@@ -35,15 +35,14 @@ void* offerText(void* argument) {
 }  // namespace
 }  // namespace quorvel
 
-// Each text has an owner of its own: taking the selection away from the one before is what ends it,
-// in this process as in any other.
+// Each text has its own owner, which ends when the next owner, in any process, takes the selection.
 bool clip::set_text(const std::string& text) {
   try {
     auto offer = std::make_unique<quorvel::Offer>(quorvel::Offer{text, {}});
     std::future<bool> taken = offer->taken.get_future();
     quorvel::PosixThread thread;
     if (!thread.start(quorvel::offerText, offer.get())) return false;
-    static_cast<void>(offer.release());  // the thread's now
+    static_cast<void>(offer.release());  // the thread owns it now
     return taken.get();
   } catch (...) {
     return false;

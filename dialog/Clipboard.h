@@ -1,15 +1,15 @@
-// Text for the X clipboard. The function and its namespace are those of the clip library, which
-// stands in for this one where it is installed.
+// Puts text on the X clipboard. The function has the signature of the clip library's, which is
+// used instead of this file where it is installed.
 #pragma once
 
 #include <string>
 
 namespace clip {
 
-// Puts a text in UTF-8 on the clipboard of the display that the environment names, in place of what
-// is there. Other programs can fetch it, whatever the caller's threads do meanwhile, until another
-// text replaces it, the X server goes away or the process ends. False, with the clipboard as it
-// was, when there is no display, or no memory or thread for it. Any thread; waits for the X server.
+// Puts a UTF-8 text on the clipboard of the default display. A thread of its own serves the text to
+// other programs until another text replaces it, the X server goes away or the process ends.
+// Returns false and leaves the clipboard alone when there is no display, memory or thread for it.
+// Waits for the X server. Any thread.
 bool set_text(const std::string& text);
 
 }  // namespace clip

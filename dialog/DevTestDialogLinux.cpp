@@ -1,8 +1,9 @@
-// The window. What it listens to is in DevTestListeners.cpp.
+// The window itself; DevTestListeners.cpp holds the devices it listens to.
 #include "dialog/DevTestDialogLinux.h"
 
 #include <array>
-#include <utility>
+#include <cstddef>
+#include <string>
 
 #include "dialog/Clipboard.h"
 #include "dialog/Gtk.h"
@@ -10,17 +11,12 @@
 namespace quorvel {
 namespace {
 
-struct TextPair {
-  const char* russian;
-  const char* english;
-};
-
-// By STRING_ID.
-constexpr std::array<TextPair, 5> kTexts = {{{"Закрыть", "Close"},
-                                             {"Очистить", "Clear"},
-                                             {"Копировать", "Copy"},
-                                             {"Тест устройства", "Device test"},
-                                             {"Таймаут", "Timeout"}}};
+// Indexed by STRING_ID.
+constexpr std::array<BilingualUtf8, 5> kTexts = {{{"Закрыть", "Close"},
+                                                  {"Очистить", "Clear"},
+                                                  {"Копировать", "Copy"},
+                                                  {"Тест устройства", "Device test"},
+                                                  {"Таймаут", "Timeout"}}};
 
 enum Column { kSourceColumn, kDataColumn, kColumns };
 
@@ -42,32 +38,39 @@ GtkWidget* DevTestDialogLinux::mDlg = nullptr;
 GtkWidget* DevTestDialogLinux::mList = nullptr;
 GtkListStore* DevTestDialogLinux::mStore = nullptr;
 
-// The widgets that all dialogs share, for as long as one is open. They are kept by references of
-// the dialog's own: a host that quits may destroy the window while a row is on its way to the list.
+// Owns the static widgets while a dialog is open. Holding references keeps them valid when the host
+// destroys the window while a row is on its way to the list.
 class DevTestDialogLinux::SharedWidgets {
  public:
-  SharedWidgets() {
-    mDlg = GTK_WIDGET(g_object_ref_sink(gtk_dialog_new()));
-    mList = GTK_WIDGET(g_object_ref_sink(gtk_tree_view_new()));
-    mStore = gtk_list_store_new(kColumns, G_TYPE_STRING, G_TYPE_STRING);
+  SharedWidgets()
+      : dialog_(keep(gtk_dialog_new())),
+        list_(keep(gtk_tree_view_new())),
+        store_(gtk_list_store_new(kColumns, G_TYPE_STRING, G_TYPE_STRING)) {
+    mDlg = dialog_.get();
+    mList = list_.get();
+    mStore = store_.get();
   }
   ~SharedWidgets() {
     gtk_widget_destroy(mDlg);
-    // No main loop may follow that would send it: the window is to vanish before the listeners
-    // stop.
+    // Stopping the listeners takes a moment, and the host may run no main loop afterwards: flush,
+    // so that the window vanishes now.
     gdk_display_flush(gdk_display_get_default());
-    g_object_unref(std::exchange(mStore, nullptr));
-    g_object_unref(std::exchange(mList, nullptr));
-    g_object_unref(std::exchange(mDlg, nullptr));
+    mDlg = mList = nullptr;
+    mStore = nullptr;
   }
   SharedWidgets(const SharedWidgets&) = delete;
   SharedWidgets& operator=(const SharedWidgets&) = delete;
+
+ private:
+  const GObjectPtr<GtkWidget> dialog_;
+  const GObjectPtr<GtkWidget> list_;
+  const GObjectPtr<GtkListStore> store_;
 };
 
 DevTestDialogLinux::DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboardFactory,
                                        const InputDeviceComPortFactory& comPortFactory,
                                        bool russian, int outputDataType)
-    : russian_(russian),
+    : language_(russian ? Language::kRussian : Language::kEnglish),
       keyboardFactory_(keyboardFactory),
       comPortFactory_(comPortFactory),
       outputDataType_(outputDataType),
@@ -78,7 +81,7 @@ DevTestDialogLinux::~DevTestDialogLinux() { stopListeners(); }
 std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
   const auto index = static_cast<std::size_t>(id);
   if (index >= kTexts.size()) return {};
-  return russian_ ? kTexts[index].russian : kTexts[index].english;
+  return std::string(kTexts[index].in(language_));
 }
 
 void DevTestDialogLinux::ShowDlg() {
@@ -125,8 +128,8 @@ GtkWidget* DevTestDialogLinux::buildButtons() const {
   GtkWidget* const down = gtk_vbox_new(FALSE, 0);
   for (const Button& button : kButtons) {
     GtkWidget* const widget = gtk_button_new_with_label(LoadString(button.label).c_str());
-    // A keyboard scanner types into the window as well: its Enter must not press the button that
-    // was clicked last.
+    // A keyboard scanner also types into the window: its Enter must not press the button that was
+    // clicked last.
     gtk_button_set_focus_on_click(GTK_BUTTON(widget), FALSE);
     gtk_box_pack_start(GTK_BOX(down), widget, FALSE, FALSE, kPadding);
     g_signal_connect(widget, "clicked", G_CALLBACK(button.clicked), nullptr);
@@ -144,7 +147,7 @@ void DevTestDialogLinux::InitList() {
   }
   gtk_tree_view_set_model(view, GTK_TREE_MODEL(mStore));
   gtk_tree_selection_set_mode(gtk_tree_view_get_selection(view), GTK_SELECTION_SINGLE);
-  // What a keyboard scanner types is no search.
+  // A keyboard scanner's keys must not start a type-ahead search.
   gtk_tree_view_set_enable_search(view, FALSE);
 }
 
@@ -179,7 +182,7 @@ void DevTestDialogLinux::OnButtonCopyClicked(GtkWidget*, gpointer) {
   try {
     clip::set_text(text);
   } catch (...) {
-    // The caller is GTK, which knows no exceptions. The clipboard stays as it was.
+    // Exceptions must not pass through GTK; the clipboard stays as it was.
   }
 }
 

@@ -11,18 +11,20 @@
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
 #include "dialog/RowQueue.h"
+#include "util/Language.h"
 
 namespace quorvel {
 
 // Listens on every serial port and every keyboard of the machine at once and lists what arrives, so
-// that a user sees which of them the scanner is on, and what it sends. Shown once. Used on the GTK
-// thread, except for OnInput. The widgets are shared by all dialogs: one is open at a time.
+// that a user sees which of them the scanner is on and what it sends. Each object is shown once.
+// All dialogs share the static widgets, so only one can be open at a time. Used on the GTK thread,
+// except for OnInput.
 class DevTestDialogLinux {
  public:
   enum STRING_ID : int { kCloseButton, kClearButton, kCopyButton, kTitle, kTimeoutLabel };
 
-  // Copies the factories; a keyboard factory that does not only listen would grab the keyboards.
-  // `outputDataType` is a code of OutputData.h.
+  // Copies the factories. The keyboard factory should only listen: otherwise every keyboard is
+  // grabbed while the window is open. `outputDataType` is a code of OutputData.h.
   DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboardFactory,
                      const InputDeviceComPortFactory& comPortFactory, bool russian,
                      int outputDataType);
@@ -31,18 +33,17 @@ class DevTestDialogLinux {
   DevTestDialogLinux(const DevTestDialogLinux&) = delete;
   DevTestDialogLinux& operator=(const DevTestDialogLinux&) = delete;
 
-  // Shows the window until the user closes it; the main loop runs meanwhile. Returns at once when
-  // there is no display, or a dialog is open already. Devices that cannot be listened on stay
-  // silent.
+  // Shows the window and runs the main loop until the user closes it. Returns at once when there
+  // is no display or a dialog is open already. Devices that cannot be opened stay silent.
   void ShowDlg();
 
-  bool IsRussian() const { return russian_; }
+  bool IsRussian() const { return language_ == Language::kRussian; }
 
-  // In UTF-8; empty for an identifier that is not known.
+  // UTF-8; empty for an unknown identifier.
   std::string LoadString(STRING_ID id) const;
 
-  // A message of a device, as the base64 text of its bytes, becomes a row. Any thread. Ignored when
-  // it is empty, or comes when the window has gone.
+  // Adds a row for a message, given as the base64 text of its bytes. Empty messages, and messages
+  // that come after the window has closed, are ignored. Any thread.
   void OnInput(const std::wstring& source, const std::wstring& data);
 
  private:
@@ -52,7 +53,7 @@ class DevTestDialogLinux {
   void DoListenPort(unsigned port);
   void ListenKeyboardDevices();
   void DoListenKeyboardDevice(const std::wstring& name);
-  // Starts a listener, unless there is one of that name.
+  // Starts a listener unless one of that name exists.
   void listen(const std::wstring& source, InputDeviceFactory& factory);
   void stopListeners();
 
@@ -65,15 +66,16 @@ class DevTestDialogLinux {
   static void OnButtonClearClicked(GtkWidget* button, gpointer unused);
   static void OnButtonCopyClicked(GtkWidget* button, gpointer unused);
 
-  // Made and released by SharedWidgets; null while no dialog is open.
+  // Set by SharedWidgets; null while no dialog is open.
   static GtkWidget* mDlg;
   static GtkWidget* mList;
   static GtkListStore* mStore;
 
-  const bool russian_;
+  const Language language_;
   InputDeviceKeyboardFactory keyboardFactory_;
   InputDeviceComPortFactory comPortFactory_;
-  std::map<std::wstring, std::shared_ptr<InputDevice>> listeners_;  // by source; null: not started
+  std::map<std::wstring, std::shared_ptr<InputDevice>>
+      listeners_;  // by source; null if it did not start
   const std::int32_t outputDataType_;
   RowQueue rows_;
 };

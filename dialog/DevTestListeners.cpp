@@ -1,4 +1,4 @@
-// What the device test window listens to.
+// The devices that the test window listens to.
 #include <list>
 
 #include "devices/KeyboardList.h"
@@ -21,7 +21,7 @@ void* stop(void* listener) {
 
 }  // namespace
 
-// Files are counted, not looked at: each family is taken to be numbered from 0 without gaps.
+// Only the number of files counts: each family is assumed to be numbered from 0 without gaps.
 void DevTestDialogLinux::ListenPorts() {
   for (const SerialFamily& family : kSerialFamilies) {
     const auto count = static_cast<std::uint32_t>(findDeviceFiles(family.prefix).size());
@@ -48,7 +48,7 @@ void DevTestDialogLinux::DoListenKeyboardDevice(const std::wstring& name) {
 
 void DevTestDialogLinux::listen(const std::wstring& source, InputDeviceFactory& factory) {
   const auto [listener, isNew] = listeners_.try_emplace(source);
-  // The first device of a name is the one that is listened on.
+  // Of devices that share a name, the first is listened to.
   if (!isNew) return;
   listener->second =
       factory.create([this, source](const std::wstring& data) { OnInput(source, data); });
@@ -66,7 +66,7 @@ void DevTestDialogLinux::stopListeners() {
       if (listener) stoppers.emplace_back().start(stop, &listener);
     }
   } catch (...) {
-    // Those for which there is no memory or no thread are stopped one by one, by the map.
+    // Out of memory: clearing the map stops the remaining listeners one by one.
   }
   for (PosixThread& stopper : stoppers) stopper.join();
   listeners_.clear();

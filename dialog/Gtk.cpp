@@ -7,7 +7,7 @@
 namespace quorvel {
 namespace {
 
-// How GTK stands in this process.
+// GTK's state in this process.
 struct State {
   bool prepared = false;
   bool lost = false;
@@ -15,7 +15,7 @@ struct State {
 };
 State state;
 
-// Called from the depth of some call of GTK's to the display, which must first come to its end.
+// Called inside a GTK call; notify from the main loop after it has unwound.
 void noticeLoss(Display*, void*) {
   state.lost = true;
   g_idle_add_full(
@@ -28,9 +28,9 @@ void noticeLoss(Display*, void*) {
 }
 
 void prepareOnce() {
-  // GTK opens a display of its own, which must not be the first that Xlib sees.
+  // XInitThreads must precede the first display, which may be the one that GTK is about to open.
   installXErrorHandlers();
-  // The host's GTK, with the host's display, is the host's business.
+  // A display that the host opened keeps the host's error handling.
   state.prepared = gdk_display_get_default() != nullptr;
   if (state.prepared) return;
   gtk_disable_setlocale();
@@ -38,7 +38,7 @@ void prepareOnce() {
   if (state.prepared) {
     adoptDisplay(gdk_x11_display_get_xdisplay(gdk_display_get_default()), noticeLoss, nullptr);
   }
-  // GTK has put handlers of its own on top, and they end the process.
+  // GTK has installed handlers that exit; put the driver's back on top.
   installXErrorHandlers();
 }
 

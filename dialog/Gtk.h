@@ -1,4 +1,4 @@
-// GTK, prepared for a host that may or may not use it, and owning types for what it hands out.
+// Preparing GTK in a host that may or may not use it, and owning types for GTK's objects.
 #pragma once
 
 #include <gtk/gtk.h>
@@ -21,21 +21,22 @@ struct TreePathFree {
 template <typename T>
 using GObjectPtr = std::unique_ptr<T, GObjectUnref>;
 
-// Memory that GLib allocated: a text from a list.
+// Memory allocated by GLib.
 template <typename T>
 using GOwned = std::unique_ptr<T, GFree>;
 
 using TreePath = std::unique_ptr<GtkTreePath, TreePathFree>;
 
-// A reference to a widget that is kept even when GTK destroys the widget. GTK thread.
+// A reference that keeps a widget's memory valid even after GTK has destroyed the widget. GTK
+// thread.
 inline GObjectPtr<GtkWidget> keep(GtkWidget* widget) {
   return GObjectPtr<GtkWidget>(static_cast<GtkWidget*>(g_object_ref_sink(widget)));
 }
 
-// Whether windows can be shown on the display that the environment names. The first call makes GTK
-// ready, unless the host has, and leaves the locale of the process as it is. Where it was the
-// driver that made GTK ready, the end of the X server is not the end of the process: windows cannot
-// be shown from then on, and the main loop calls `displayLost`. GTK thread.
+// Initialises GTK unless the host has done so; returns whether windows can be shown on the default
+// display. Leaves the locale of the process alone. If the driver initialised GTK, the process
+// survives the end of the X server: the main loop then calls `displayLost`, and from then on this
+// returns false. GTK thread.
 bool prepareGtk(void (*displayLost)());
 
 }  // namespace quorvel

@@ -5,9 +5,9 @@
 namespace quorvel {
 namespace {
 
-// Rows shown in one go: between two goes the window is drawn and its buttons answer, however fast
-// the rows come.
-constexpr int kRowsAtOnce = 64;
+// Rows shown per idle callback. Between two callbacks the window is drawn and its buttons answer,
+// however fast rows come.
+constexpr int kRowsPerCallback = 64;
 
 }  // namespace
 
@@ -15,7 +15,7 @@ void RowQueue::push(Row row) {
   const std::lock_guard lock(mutex_);
   if (closed_) return;
   rows_.push_back(std::move(row));
-  // Not g_main_context_invoke: it would run on this thread when no loop happens to be running.
+  // Not g_main_context_invoke, which runs the function on this thread if no loop is running.
   if (source_ == 0) source_ = gdk_threads_add_idle(showSome, this);
 }
 
@@ -28,7 +28,7 @@ void RowQueue::close() {
 }
 
 gboolean RowQueue::showSome(gpointer queue) {
-  for (int shown = 0; shown < kRowsAtOnce; ++shown) {
+  for (int shown = 0; shown < kRowsPerCallback; ++shown) {
     if (!static_cast<RowQueue*>(queue)->showNext()) return G_SOURCE_REMOVE;
   }
   return G_SOURCE_CONTINUE;

@@ -1,4 +1,4 @@
-// The way of rows from the reader threads to the window.
+// Passes rows from the reader threads to the window.
 #pragma once
 
 #include <glib.h>
@@ -10,18 +10,18 @@
 
 namespace quorvel {
 
-// A row of the list, in texts of RowTexts.h.
+// A row of the list; the texts are made by RowTexts.h.
 struct Row {
   std::string source;
   std::string data;
 };
 
-// Hands rows to the GTK main loop in the order in which they came.
+// Hands rows to the GTK main loop in order of arrival.
 class RowQueue {
  public:
-  // `show` is called for each row in the GTK main loop.
+  // The GTK main loop calls `show` for each row.
   explicit RowQueue(std::function<void(const Row&)> show) : show_(std::move(show)) {}
-  // GTK thread, when no other thread pushes any more.
+  // GTK thread, after the last push.
   ~RowQueue() { close(); }
   RowQueue(const RowQueue&) = delete;
   RowQueue& operator=(const RowQueue&) = delete;
@@ -29,19 +29,19 @@ class RowQueue {
   // Any thread.
   void push(Row row);
 
-  // Drops the rows that were not shown yet, and those that are still to come. GTK thread.
+  // Drops rows not yet shown, and all later ones. GTK thread.
   void close();
 
  private:
   static gboolean showSome(gpointer queue);
-  // False, and the main loop need not ask again, when there is none.
+  // Shows one row. Returns false, and forgets the source, when the queue is empty.
   bool showNext();
 
   const std::function<void(const Row&)> show_;
   std::mutex mutex_;
   std::deque<Row> rows_;
   bool closed_ = false;
-  guint source_ = 0;  // in the main loop, while there are rows
+  guint source_ = 0;  // the idle source; 0 while the queue is empty
 };
 
 }  // namespace quorvel

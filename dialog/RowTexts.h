@@ -1,4 +1,4 @@
-// What the rows of the test window say.
+// The texts in the rows of the test window.
 #pragma once
 
 #include <cstddef>
@@ -7,20 +7,21 @@
 
 namespace quorvel {
 
-// One cell of the list, with its terminator.
+// Limit for a cell's text, including a terminator.
 inline constexpr std::size_t kCellSize = 1024;  // bytes
 
-// The texts of cells are valid UTF-8, shorter than kCellSize; a longer one is cut after a whole
-// character. The locale of the process has no part in this: GTK shows UTF-8 in every locale.
+// Cell texts are valid UTF-8, shorter than kCellSize; longer ones are cut at a character boundary.
+// They do not depend on the locale: GTK shows UTF-8 in every locale.
 
-// The name of a source and a colon. The colon stays when the name is cut.
+// The source's name followed by a colon, which is kept when the name is cut.
 std::string sourceCell(const std::wstring& source);
 
-// A scan, given as base64 text, in the form of an output data type of OutputData.h. Control
-// characters and spaces are shown by their names.
+// A scan, given as base64 text, shown as an output data type of OutputData.h. Control characters
+// and spaces appear by name.
 std::string dataCell(const std::wstring& base64, int dataType);
 
-// The longest beginning of a UTF-8 text that has whole characters and at most `most` bytes.
+// The longest prefix of a UTF-8 text that has at most `most` bytes and ends at a character
+// boundary.
 std::string_view cutToBytes(std::string_view utf8, std::size_t most);
 
 }  // namespace quorvel

@@ -1,5 +1,4 @@
-// The conventions followed here are those for selections in the Inter-Client Communication
-// Conventions Manual (ICCCM), section 2.
+// Follows the Inter-Client Communication Conventions Manual (ICCCM), section 2.
 #include "dialog/SelectionOwner.h"
 
 #include <algorithm>
@@ -26,10 +25,10 @@ constexpr std::array<std::string_view, kPlain + 1> kAtomNames = {
     "CLIPBOARD", "TARGETS",     "MULTIPLE", "ATOM_PAIR",
     "TIMESTAMP", "UTF8_STRING", "TEXT",     "text/plain;charset=utf-8"};
 
-// What a request takes besides the bytes of the property.
+// Bytes of a request besides those of the property.
 constexpr std::size_t kRequestHeader = sizeof(xcb_change_property_request_t);
 
-// A list of conversions longer than this is none that a program would ask for.
+// Limit for the conversions in one request; no real program asks for so many.
 constexpr std::uint32_t kMostConversions = 64;
 
 template <typename T>
@@ -37,7 +36,7 @@ std::string bytesOf(const std::vector<T>& values) {
   return {reinterpret_cast<const char*>(values.data()), values.size() * sizeof(T)};
 }
 
-// The STRING of old programs is Latin-1.
+// The target STRING, which old programs ask for, is Latin-1.
 std::string latin1(const std::string& text) {
   std::string result;
   for (const wchar_t character : str2wstr(text)) {
@@ -57,8 +56,7 @@ SelectionOwner::SelectionOwner(const std::string& text)
     : text_(text), connection_(xcb_connect(nullptr, nullptr)) {}
 
 bool SelectionOwner::take() {
-  // A connection that failed is still an object, and every request on it fails without harm; only
-  // its setup, with the screens, is missing.
+  // Requests on a failed connection are harmless, but it has no setup data and so no screens.
   if (xcb_connection_has_error(connection_.get()) || !fits() || !internAtoms()) return false;
   createWindow();
   since_ = serverTime();
@@ -71,7 +69,7 @@ bool SelectionOwner::take() {
   return now && now->owner == window_;
 }
 
-// One property must hold the text: requests for a part at a time are not answered.
+// The text must fit into one property: incremental transfers are not supported.
 bool SelectionOwner::fits() const {
   const std::size_t most = std::size_t{xcb_get_maximum_request_length(connection_.get())} * 4;
   return text_.size() + kRequestHeader <= most;
@@ -99,9 +97,8 @@ void SelectionOwner::createWindow() {
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
 }
 
-// The time by the server's clock, which it tells with any change of a property; XCB_CURRENT_TIME
-// when the server has gone away. To take a selection at the "current time" would leave open which
-// of two programs came first.
+// The server's time, taken from a property change; XCB_CURRENT_TIME when the server has gone away.
+// Taking the selection at XCB_CURRENT_TIME instead would race with other programs.
 xcb_timestamp_t SelectionOwner::serverTime() {
   xcb_change_property(connection_.get(), XCB_PROP_MODE_APPEND, window_, XCB_ATOM_WM_NAME,
                       XCB_ATOM_STRING, 8, 0, nullptr);
@@ -133,14 +130,14 @@ void SelectionOwner::serve() {
         break;
       case XCB_SELECTION_CLEAR:
         return;
-      default:  // Errors among them: a program that asked and went away.
+      default:  // including errors caused by requestors that have vanished
         break;
     }
   }
 }
 
 void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
-  // Programs older than the conventions name no property; the target's name serves.
+  // Obsolete clients name no property; the target serves as its name.
   const xcb_atom_t property = request.property == XCB_NONE ? request.target : request.property;
   const bool converted = convert(request, property);
   xcb_selection_notify_event_t notice = {};
@@ -150,7 +147,7 @@ void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
   notice.selection = request.selection;
   notice.target = request.target;
   notice.property = converted ? property : xcb_atom_t{XCB_NONE};
-  // Every event on the wire has the size of the generic one (without xcb's own last field).
+  // Every event on the wire has 32 bytes, which is more than the struct.
   char event[32] = {};
   static_assert(sizeof notice <= sizeof event);
   std::memcpy(event, &notice, sizeof notice);
@@ -176,8 +173,8 @@ bool SelectionOwner::convertOne(xcb_window_t requestor, xcb_atom_t target, xcb_a
   return true;
 }
 
-// The property lists pairs of a target and the property for it. A pair that cannot be served gets
-// no property, and that is the answer.
+// The property lists pairs of target and property. In pairs that cannot be served the property is
+// replaced by XCB_NONE, which tells the requestor.
 bool SelectionOwner::convertMultiple(xcb_window_t requestor, xcb_atom_t property) {
   xcb_connection_t* const connection = connection_.get();
   const XcbOwned<xcb_get_property_reply_t> reply(

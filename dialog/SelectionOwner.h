@@ -14,23 +14,23 @@ struct XcbDisconnect {
   void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
 };
 
-// Offers one text to other programs, on an X connection of its own. Used on one thread.
+// Offers one text to other programs on its own X connection. Used on one thread.
 class SelectionOwner {
  public:
-  // Connects to the display that the environment names. `text` is UTF-8.
+  // Connects to the default display. `text` is UTF-8.
   explicit SelectionOwner(const std::string& text);
 
-  // Makes the text the clipboard's. False when there is no X server, or none that takes it.
+  // Takes ownership of the clipboard. False when there is no X server or it refuses.
   bool take();
 
-  // Answers other programs until one of them takes the clipboard or the X server goes away.
+  // Serves requestors until another program takes the clipboard or the X server goes away.
   void serve();
 
  private:
-  // The text, or what there is to know about it, in one of the forms that can be asked for.
+  // The answer to one target.
   struct Answer {
-    xcb_atom_t target;  // what is asked for
-    xcb_atom_t type;    // of the property that answers it
+    xcb_atom_t target;
+    xcb_atom_t type;  // of the property
     std::uint8_t format;
     std::string bytes;
   };
@@ -49,7 +49,7 @@ class SelectionOwner {
   std::unique_ptr<xcb_connection_t, XcbDisconnect> connection_;
   std::vector<xcb_atom_t> atoms_;  // by AtomIndex
   xcb_window_t window_ = XCB_NONE;
-  xcb_timestamp_t since_ = XCB_CURRENT_TIME;  // when the clipboard became ours
+  xcb_timestamp_t since_ = XCB_CURRENT_TIME;  // when ownership began
   std::vector<Answer> answers_;
 };
 
