@@ -7,6 +7,7 @@
 
 #include "dialog/Clipboard.h"
 #include "dialog/Gtk.h"
+#include "util/Language.h"
 
 namespace quorvel {
 namespace {
@@ -77,6 +78,8 @@ DevTestDialogLinux::DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboar
       rows_([](const Row& row) { AddItemToList(row.source.c_str(), row.data.c_str()); }) {}
 
 DevTestDialogLinux::~DevTestDialogLinux() { stopListeners(); }
+
+bool DevTestDialogLinux::IsRussian() const { return language_ == Language::kRussian; }
 
 std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
   const auto index = static_cast<std::size_t>(id);

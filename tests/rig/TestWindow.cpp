@@ -7,6 +7,8 @@
 #include <memory>
 #include <stdexcept>
 
+#include "tests/rig/OwnProcess.h"
+
 // After GoogleTest, whose names are macros in X.
 #include <gdk/gdkx.h>
 
@@ -98,27 +100,33 @@ std::vector<GtkWidget*> TestWindow::widgets(GType type) const {
   return all;
 }
 
-std::vector<Row> TestWindow::rows() const {
-  std::vector<Row> rows;
+std::size_t TestWindow::rowCount() const {
+  return static_cast<std::size_t>(
+      gtk_tree_model_iter_n_children(gtk_tree_view_get_model(list_), nullptr));
+}
+
+Row TestWindow::row(std::size_t index) const {
   GtkTreeModel* const model = gtk_tree_view_get_model(list_);
   GtkTreeIter at;
-  for (gboolean more = gtk_tree_model_get_iter_first(model, &at); more;
-       more = gtk_tree_model_iter_next(model, &at)) {
-    gchar* source = nullptr;
-    gchar* data = nullptr;
-    gtk_tree_model_get(model, &at, 0, &source, 1, &data, -1);
-    const std::unique_ptr<gchar, GFree> ownedSource(source);
-    const std::unique_ptr<gchar, GFree> ownedData(data);
-    rows.push_back({source ? source : "(null)", data ? data : "(null)"});
+  if (!gtk_tree_model_iter_nth_child(model, &at, nullptr, static_cast<gint>(index))) {
+    throw std::runtime_error("no row " + std::to_string(index));
   }
+  gchar* source = nullptr;
+  gchar* data = nullptr;
+  gtk_tree_model_get(model, &at, 0, &source, 1, &data, -1);
+  const std::unique_ptr<gchar, GFree> ownedSource(source);
+  const std::unique_ptr<gchar, GFree> ownedData(data);
+  return {source ? source : "(null)", data ? data : "(null)"};
+}
+
+std::vector<Row> TestWindow::rows() const {
+  std::vector<Row> rows;
+  for (std::size_t i = 0; i < rowCount(); ++i) rows.push_back(row(i));
   return rows;
 }
 
 std::vector<Row> TestWindow::awaitRows(std::size_t count) const {
-  GtkTreeModel* const model = gtk_tree_view_get_model(list_);
-  await(std::to_string(count) + " rows", [model, count] {
-    return static_cast<std::size_t>(gtk_tree_model_iter_n_children(model, nullptr)) >= count;
-  });
+  await(std::to_string(count) + " rows", [&] { return rowCount() >= count; });
   return rows();
 }
 
@@ -172,6 +180,14 @@ std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path) {
   auto line = std::make_unique<terminal::SerialLine>(terminal::LineSetting::kFramed);
   line->link(path);
   return line;
+}
+
+terminal::SerialLine& WindowTest::plugIn(const std::string& path) {
+  return *scanners_.emplace_back(scannerAt(path));
+}
+
+void WindowTest::inWindow(const std::function<void(TestWindow&)>& deeds) {
+  inOwnProcess([&] { visitWindow(deeds); });
 }
 
 Times timesNow() {

@@ -1,6 +1,7 @@
 // The user of the device test window.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
 #include <functional>
@@ -38,6 +39,8 @@ class TestWindow {
   // All widgets inside the window, in their order, of one type of GTK's.
   std::vector<GtkWidget*> widgets(GType type) const;
 
+  std::size_t rowCount() const;
+  Row row(std::size_t index) const;
   std::vector<Row> rows() const;
 
   // The rows, when there are so many; throws std::runtime_error when they do not come.
@@ -76,6 +79,20 @@ void visitWindow(const std::function<void(TestWindow&)>& deeds);
 
 // A scanner whose scans come whole, at a serial port of this path.
 std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path);
+
+// A test of the window, in a process of its own.
+class WindowTest : public testing::Test {
+ protected:
+  // Plugs a scanner whose scans come whole into a serial port of this path. The port is removed
+  // after the next process.
+  terminal::SerialLine& plugIn(const std::string& path);
+
+  // Runs `deeds` in the open window, in a process of its own, which has a component of its own.
+  static void inWindow(const std::function<void(TestWindow&)>& deeds);
+
+ private:
+  std::vector<std::unique_ptr<terminal::SerialLine>> scanners_;
+};
 
 // Processor time that this process has used, in seconds; and time on the wall.
 struct Times {

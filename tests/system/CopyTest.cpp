@@ -45,19 +45,22 @@ void visitRows(const std::vector<std::string>& scans,
   });
 }
 
+// The same in a process of its own.
+void inRows(const std::vector<std::string>& scans, const std::function<void(TestWindow&)>& deeds) {
+  inOwnProcess([&] { visitRows(scans, deeds); });
+}
+
 void copyRow(const TestWindow& window, int row) {
   window.select(row);
   window.click("Копировать");
 }
 
 TEST(Copy, PutsTheSelectedTextOnTheClipboard) {
-  inOwnProcess([] {
-    visitRows({"first", "Второй"}, [](TestWindow& window) {
-      copyRow(window, 1);
-      EXPECT_EQ(clipboard(), "Второй 'CR' ");
-      copyRow(window, 0);
-      EXPECT_EQ(clipboard(), "first 'CR' ");
-    });
+  inRows({"first", "Второй"}, [](TestWindow& window) {
+    copyRow(window, 1);
+    EXPECT_EQ(clipboard(), "Второй 'CR' ");
+    copyRow(window, 0);
+    EXPECT_EQ(clipboard(), "first 'CR' ");
   });
 }
 
@@ -70,30 +73,26 @@ TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
 }
 
 TEST(Copy, DoesNothingWithoutASelection) {
-  inOwnProcess([] {
-    const Taker taker("taken");
-    visitRows({"scan"}, [](TestWindow& window) {
-      const std::size_t threads = rig::threadCount();
-      window.click("Копировать");
-      EXPECT_EQ(rig::threadCount(), threads);
-      EXPECT_EQ(clipboard(), "taken");
-    });
+  const Taker taker("taken");
+  inRows({"scan"}, [](TestWindow& window) {
+    const std::size_t threads = rig::threadCount();
+    window.click("Копировать");
+    EXPECT_EQ(rig::threadCount(), threads);
+    EXPECT_EQ(clipboard(), "taken");
   });
 }
 
 TEST(Copy, YieldsToAnotherProgram) {
-  inOwnProcess([] {
-    visitRows({"scan"}, [](TestWindow& window) {
-      const std::size_t threads = rig::threadCount();
-      copyRow(window, 0);
-      copyRow(window, 0);
-      // The first text's thread ends when the second takes the clipboard, and that one's now.
-      const Taker taker("taken");
-      rig::await("the end of its thread", [&] { return rig::threadCount() == threads; });
-      EXPECT_EQ(clipboard(), "taken");
-      copyRow(window, 0);
-      EXPECT_EQ(clipboard(), "scan 'CR' ");
-    });
+  inRows({"scan"}, [](TestWindow& window) {
+    const std::size_t threads = rig::threadCount();
+    copyRow(window, 0);
+    copyRow(window, 0);
+    // The first text's thread ended when the second took the clipboard; the second's ends now.
+    const Taker taker("taken");
+    rig::await("the end of its thread", [&] { return rig::threadCount() == threads; });
+    EXPECT_EQ(clipboard(), "taken");
+    copyRow(window, 0);
+    EXPECT_EQ(clipboard(), "scan 'CR' ");
   });
 }
 
