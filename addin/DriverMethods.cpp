@@ -8,6 +8,7 @@
 
 #include "addin/QuorvelNative.h"
 #include "performer/AppSettings.h"
+#include "performer/ErrorText.h"
 #include "util/Language.h"
 #include "util/Variants.h"
 
@@ -76,9 +77,10 @@ bool QuorvelNative::MethGetDescription(tVariant& result, tVariant* params) {
 }
 
 bool QuorvelNative::MethGetLastError(tVariant& result, tVariant* params) {
-  if (!performer_) return false;
-  const bool russian = AppSettings::language() == Language::kRussian;
-  params[0] = AllocAndConvertVariant(performer_->GetLastError(russian).c_str());
+  const Language language = AppSettings::language();
+  const std::wstring text = performer_ ? performer_->GetLastError(language == Language::kRussian)
+                                       : kConnectionError.in(language);
+  params[0] = AllocAndConvertVariant(text.c_str());
   setInt(result, kErrorCode);
   return true;
 }

@@ -123,7 +123,6 @@ bool QuorvelNative::CallAsFunc(long num, tVariant* ret, tVariant* params, long) 
 
 void QuorvelNative::SetLocale(const WCHAR_T* locale) {
   guarded(false, [&] {
-    if (!locale) return false;
     const std::wstring name = str_tolower(convFromShortWchar(locale));
     // Covers "rus" as well.
     if (name.find(L"ru") != name.npos) russian_ = true;

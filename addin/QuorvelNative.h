@@ -52,7 +52,8 @@ class QuorvelNative : public IComponentBase {
   bool CallAsFunc(long num, tVariant* ret, tVariant* params, long count) override;
 
   // A locale name with "ru" in it sets the Russian flag, which is never cleared: from then on every
-  // call sets the process-wide locale to Russian, whatever its argument.
+  // call sets the process-wide locale to Russian, whatever its argument. Null counts as an empty
+  // name.
   void SetLocale(const WCHAR_T* locale) override;
 
   // Raises one scan as an external event. Runs on the device's reader thread.

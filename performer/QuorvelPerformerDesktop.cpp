@@ -6,15 +6,13 @@
 
 #include "dialog/DevTestDialogLinux.h"
 #include "performer/AppSettings.h"
+#include "performer/ErrorText.h"
 #include "util/CodePages.h"
 #include "util/Language.h"
 #include "util/Variants.h"
 
 namespace quorvel {
 namespace {
-
-constexpr Bilingual kConnectionError = {L"Ошибка подключения. Проверьте доступность устройства.",
-                                        L"Connection error. Check device availability."};
 
 // Stores a number in each of `fields`, without checking its range.
 template <typename... Fields>

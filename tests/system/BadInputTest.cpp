@@ -1,4 +1,4 @@
-// What a broken or hostile host may hand over: each call has its outcome, and the component goes on
+// Input from a broken or hostile host: each call has a defined outcome, and the component keeps
 // working.
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ const char16_t* const kParameters[] = {
     u"Prefix",      u"Suffix",         u"Timeout",       u"TimeoutCOM",     u"COMEncoding",
     u"GSSymbolKey", u"LogFileFolder",  u"EquipmentType", u"OutputDataType", u"IgnoreKeyboardState"};
 
-// That the component still does its main job, with the settings it was made with.
+// Expects a scan to arrive with the default settings.
 void expectWorking(SerialDriver& driver) {
   driver.plugIn(kUsb1);
   driver.component.setParameter(u"Suffix", 13);
@@ -43,7 +43,7 @@ void expectWorking(SerialDriver& driver) {
   driver.lines.clear();
 }
 
-// A variant of a type whose bytes are no text, no matter what is read into them.
+// A variant of a type whose other bytes make no sense, whatever they are taken for.
 tVariant hostile(std::uint16_t type) {
   tVariant variant;
   std::memset(&variant, 0x5A, sizeof variant);
@@ -51,7 +51,7 @@ tVariant hostile(std::uint16_t type) {
   return variant;
 }
 
-// The same, but for the text's type, whose pointer a component may follow.
+// The same, except for strings: their pointer is followed, so it must be valid.
 tVariant hostileUnlessText(std::uint16_t type) {
   return type == VTYPE_PWSTR ? textVariant(kLong) : hostile(type);
 }
@@ -61,7 +61,7 @@ TEST(BadInput, EveryParameterWithEveryTypeOfValue) {
   for (const char16_t* const name : kParameters) {
     for (std::uint16_t type = 0; type < 64; ++type) {
       const tVariant value = hostileUnlessText(type);
-      // The name is known; a value that is refused is not told.
+      // The result only says that the name is known, not whether the value was accepted.
       EXPECT_TRUE(driver.component.setParameter(name, value)) << type;
     }
     EXPECT_TRUE(driver.component.setParameter(name, hostile(0xFFFF)));
@@ -69,7 +69,7 @@ TEST(BadInput, EveryParameterWithEveryTypeOfValue) {
   expectWorking(driver);
 }
 
-TEST(BadInput, EveryParameterWithTextsThatAreNone) {
+TEST(BadInput, EveryParameterWithNullTexts) {
   SerialDriver driver;
   for (const char16_t* const name : kParameters) {
     for (const std::uint32_t length : {0U, 1U, 10000U, 0xFFFFFFFFU}) {
@@ -84,7 +84,7 @@ TEST(BadInput, EveryParameterWithTextsThatAreNone) {
   expectWorking(driver);
 }
 
-TEST(BadInput, ATypeThatIsRefusedChangesNothing) {
+TEST(BadInput, ARefusedTypeChangesNothing) {
   SerialDriver driver;
   driver.plugIn(kUsb1);
   driver.component.setParameter(u"Port", kUsb1);
@@ -112,7 +112,7 @@ TEST(BadInput, ATypeThatIsRefusedChangesNothing) {
   driver.ids.push_back(*id);
 }
 
-TEST(BadInput, NumbersOfEveryTypeThatIsANumber) {
+TEST(BadInput, NumbersOfEveryNumericType) {
   SerialDriver driver;
   driver.plugIn(kUsb1);
   for (const std::uint16_t type : {VTYPE_I2, VTYPE_I4, VTYPE_ERROR, VTYPE_UI1}) {
@@ -144,7 +144,7 @@ TEST(BadInput, NumbersOfEveryTypeThatIsANumber) {
   }
 }
 
-TEST(BadInput, ParametersThatAreNone) {
+TEST(BadInput, UnknownParameterNames) {
   SerialDriver driver;
   for (const std::u16string& name :
        {std::u16string(), std::u16string(u"speed"), std::u16string(u"Speed "),
@@ -153,7 +153,7 @@ TEST(BadInput, ParametersThatAreNone) {
   }
   std::array<tVariant, 2> params = {emptyVariant(), numberVariant(1)};
   for (std::uint16_t type = 0; type < 64; ++type) {
-    // A name that is no text, and one without a text.
+    // A name of the wrong type, and a null name.
     params[0] = hostileUnlessText(type);
     EXPECT_FALSE(driver.component.call(u"SetParameter", params)->boolValue);
     params[0] = emptyVariant();
@@ -164,7 +164,7 @@ TEST(BadInput, ParametersThatAreNone) {
   expectWorking(driver);
 }
 
-TEST(BadInput, IdentifiersThatAreNone) {
+TEST(BadInput, UnknownDeviceIdentifiers) {
   SerialDriver driver;
   EXPECT_FALSE(driver.component.close(u"InputDevice#1"));
   driver.plugIn(kUsb1);
@@ -183,7 +183,7 @@ TEST(BadInput, IdentifiersThatAreNone) {
   EXPECT_TRUE(driver.close(u"InputDevice#1"));
 }
 
-TEST(BadInput, MethodNumbersThatAreNone) {
+TEST(BadInput, UnknownMethodNumbers) {
   SerialDriver driver;
   IComponentBase& object = driver.component.object();
   std::array<tVariant, 8> params;
@@ -209,7 +209,7 @@ TEST(BadInput, MethodNumbersThatAreNone) {
   EXPECT_EQ(driver.component.memory().blocksOut(), 0);
 }
 
-TEST(BadInput, NullsInsteadOfPlaces) {
+TEST(BadInput, NullPointersForArgumentsAndResults) {
   SerialDriver driver;
   IComponentBase& object = driver.component.object();
   tVariant result = emptyVariant();
@@ -231,7 +231,7 @@ TEST(BadInput, NullsInsteadOfPlaces) {
   expectWorking(driver);
 }
 
-TEST(BadInput, ClassesThatAreNone) {
+TEST(BadInput, UnknownClassNames) {
   const terminal::ComponentLibrary library(rig::libraryPath());
   for (const char16_t* const name :
        {u"", u"inputdevice", u"InputDevice ", u"InputDevice|CardReaderDevice", kLong.c_str(),
@@ -248,7 +248,7 @@ TEST(BadInput, ClassesThatAreNone) {
   EXPECT_EQ(library.GetClassNames(), library.GetClassNames());
 }
 
-// A component as GetClassObject gives it: without memory, without a connection.
+// A component as GetClassObject creates it: without a memory manager and without a connection.
 class BareComponent {
  public:
   explicit BareComponent(const terminal::ComponentLibrary& library) : library_(library) {
@@ -260,7 +260,7 @@ class BareComponent {
 
   IComponentBase* operator->() const { return object_; }
 
-  // Calls a method with empty outputs, and returns whether the call and its result are true.
+  // Calls a method with empty arguments and returns whether the call and its result are true.
   bool call(const char16_t* method, std::array<tVariant, 7>& params) const {
     params.fill(emptyVariant());
     tVariant result = emptyVariant();
@@ -274,14 +274,14 @@ class BareComponent {
   IComponentBase* object_ = nullptr;
 };
 
-TEST(BadInput, AComponentThatWasNotStarted) {
+TEST(BadInput, AComponentBeforeInit) {
   const terminal::ComponentLibrary library(rig::libraryPath());
   const BareComponent component(library);
   std::array<tVariant, 7> params;
-  for (const char16_t* method :
-       {u"GetLastError", u"GetParameters", u"SetParameter", u"Open", u"Close"}) {
+  for (const char16_t* method : {u"GetParameters", u"SetParameter", u"Open", u"Close"}) {
     EXPECT_FALSE(component.call(method, params)) << component->FindMethod(method);
   }
+  EXPECT_TRUE(component.call(u"GetLastError", params));
   EXPECT_FALSE(component->Init(nullptr));
   EXPECT_FALSE(component->setMemManager(nullptr));
   EXPECT_FALSE(component.call(u"GetVersion", params));
@@ -290,18 +290,19 @@ TEST(BadInput, AComponentThatWasNotStarted) {
   component->Done();
 }
 
-// A memory manager without memory: it says so, it says nothing, or it says the contrary.
+// A memory manager without memory, whose result and pointer need not agree.
 struct NoMemory : IMemoryManager {
-  NoMemory(bool said, bool given) : said_(said), given_(given) {}
+  NoMemory(bool reportsSuccess, bool leavesPointer)
+      : reportsSuccess_(reportsSuccess), leavesPointer_(leavesPointer) {}
   bool AllocMemory(void** block, unsigned long) override {
-    *block = given_ ? scrap_ : nullptr;
-    return said_;
+    *block = leavesPointer_ ? scrap_ : nullptr;
+    return reportsSuccess_;
   }
   void FreeMemory(void** block) override { *block = nullptr; }
 
  private:
-  const bool said_;
-  const bool given_;
+  const bool reportsSuccess_;
+  const bool leavesPointer_;
   char scrap_[1] = {};
 };
 
@@ -322,7 +323,7 @@ void expectNoTexts(IMemoryManager* memory) {
     EXPECT_EQ(params[0].vt, VTYPE_PWSTR);
     EXPECT_EQ(params[0].wide.text, nullptr);
   }
-  // The device opens, though its identifier cannot be told.
+  // The device opens although its identifier cannot be handed over.
   SerialLine& line = driver.plugIn(kUsb1);
   driver.component.setParameter(u"Port", kUsb1);
   params.fill(emptyVariant());

@@ -1,4 +1,4 @@
-// The driver methods, called as the host calls them.
+// The driver methods, called the way a host calls them.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -24,7 +24,7 @@ using rig::untouchedVariant;
 using rig::variantOfType;
 using test::ComponentTest;
 
-// Of these methods nothing opens a window or looks at the machine.
+// The methods that neither open a window nor look for devices.
 constexpr long kQuietMethods[] = {test::kGetVersion,
                                   test::kGetDescription,
                                   test::kGetLastError,
@@ -34,13 +34,13 @@ constexpr long kQuietMethods[] = {test::kGetVersion,
                                   test::kGetAdditionalActions,
                                   test::kDoAdditionalAction};
 
-// A port that no machine has, so that opening it fails.
+// A port that no machine has: opening it fails.
 const tVariant kMissingPort = numberVariant(100129);
 
 class DriverMethods : public ComponentTest {
  protected:
   DriverMethods() {
-    // The test window cannot open, and no keyboard is found.
+    // Without a display the test window cannot open and no keyboard is found.
     unsetenv("DISPLAY");
     connect();
     setParameter(u"Port", kMissingPort);
@@ -82,7 +82,7 @@ TEST_F(DriverMethods, GetDescriptionInEnglish) {
   EXPECT_EQ(textIn(params_[2]), u"СканерШтрихкода");
 }
 
-TEST_F(DriverMethods, GetDescriptionFollowsTheComponentsLanguageNotTheProcesss) {
+TEST_F(DriverMethods, GetDescriptionUsesTheComponentsLanguageNotTheProcessWideOne) {
   AppSettings::setLocale(1);
   EXPECT_TRUE(call(test::kGetDescription));
   EXPECT_EQ(textIn(params_[1]), u"Драйвер для подключения устройств ввода");
@@ -97,16 +97,22 @@ TEST_F(DriverMethods, GetDescriptionFollowsTheComponentsLanguageNotTheProcesss) 
   EXPECT_EQ(textIn(params_[1]), u"Драйвер для подключения устройств ввода");
 }
 
-TEST_F(DriverMethods, GetLastErrorFollowsTheProcesssLanguage) {
-  const std::pair<unsigned, std::u16string> rows[] = {
-      {0, u"Ошибка подключения. Проверьте доступность устройства."},
-      {1, u"Connection error. Check device availability."}};
-  for (const auto& [locale, text] : rows) {
-    AppSettings::setLocale(locale);
+struct LastErrorText {
+  unsigned locale;
+  std::u16string text;
+};
+
+const LastErrorText kLastErrorTexts[] = {
+    {0, u"Ошибка подключения. Проверьте доступность устройства."},
+    {1, u"Connection error. Check device availability."}};
+
+TEST_F(DriverMethods, GetLastErrorUsesTheProcessWideLanguage) {
+  for (const LastErrorText& row : kLastErrorTexts) {
+    AppSettings::setLocale(row.locale);
     EXPECT_TRUE(call(test::kGetLastError));
     EXPECT_EQ(ret_.vt, 3);
     EXPECT_EQ(ret_.intValue, 1);
-    EXPECT_EQ(textIn(params_[0]), text);
+    EXPECT_EQ(textIn(params_[0]), row.text);
   }
 }
 
@@ -116,7 +122,7 @@ TEST_F(DriverMethods, GetParametersGivesADocument) {
   EXPECT_NE(textIn(params_[0]).find(u"<Settings>"), std::u16string::npos);
 }
 
-TEST_F(DriverMethods, SetParameterSaysWhetherItKnowsTheName) {
+TEST_F(DriverMethods, SetParameterReportsWhetherTheNameIsKnown) {
   EXPECT_TRUE(setParameter(u"Speed", numberVariant(19200)));
   EXPECT_TRUE(setParameter(u"Speed", textVariant(u"19200")));
   EXPECT_FALSE(setParameter(u"speed", numberVariant(19200)));
@@ -124,7 +130,7 @@ TEST_F(DriverMethods, SetParameterSaysWhetherItKnowsTheName) {
   EXPECT_FALSE(setParameter(std::u16string(10000, u'x').c_str(), numberVariant(1)));
 }
 
-TEST_F(DriverMethods, SetParameterTakesANameOfAnyGivenLength) {
+TEST_F(DriverMethods, SetParameterTakesTheNameUpToItsGivenLength) {
   params_[0] = textVariant(u"SpeedyScanner", 5);
   params_[1] = numberVariant(19200);
   EXPECT_TRUE(callAgain(test::kSetParameter));
@@ -134,7 +140,7 @@ TEST_F(DriverMethods, SetParameterTakesANameOfAnyGivenLength) {
   EXPECT_TRUE(resultFlag());
 }
 
-TEST_F(DriverMethods, ANameIsAWideString) {
+TEST_F(DriverMethods, SetParameterTakesOnlyAWideStringAsName) {
   for (const unsigned type : rig::typeCodes()) {
     SCOPED_TRACE(testing::Message() << "type code " << type);
     params_[0] = textVariant(u"Speed");
@@ -151,7 +157,7 @@ TEST_F(DriverMethods, ANameIsAWideString) {
   }
 }
 
-TEST_F(DriverMethods, ANullNameIsNobodys) {
+TEST_F(DriverMethods, SetParameterRefusesANullName) {
   for (const std::uint32_t length : {0u, 5u, 10000u}) {
     params_[0] = textVariant(nullptr, length);
     params_[1] = numberVariant(19200);
@@ -160,7 +166,7 @@ TEST_F(DriverMethods, ANullNameIsNobodys) {
   }
 }
 
-TEST_F(DriverMethods, ValuesMayBeOfAnyTypeAndNull) {
+TEST_F(DriverMethods, SetParameterTakesValuesOfAnyTypeAndNullTexts) {
   const std::u16string longText(10000, u'x');
   for (const char16_t* const name :
        {u"Port", u"KeyboardDevice", u"DataBits", u"StopBit", u"Speed", u"Prefix", u"Suffix",
@@ -168,7 +174,7 @@ TEST_F(DriverMethods, ValuesMayBeOfAnyTypeAndNull) {
         u"EquipmentType", u"OutputDataType", u"IgnoreKeyboardState"}) {
     for (const unsigned type : rig::typeCodes()) {
       EXPECT_TRUE(setParameter(name, variantOfType(type)));
-      // What says that it is a text is believed.
+      // A string's pointer is followed, so only a real string may claim to be one.
       if (type != 22) {
         EXPECT_TRUE(setParameter(name, numberVariant(1, type)));
       }
@@ -178,7 +184,7 @@ TEST_F(DriverMethods, ValuesMayBeOfAnyTypeAndNull) {
   }
 }
 
-TEST_F(DriverMethods, OpenFailsOnAMissingPortAndLeavesItsOutput) {
+TEST_F(DriverMethods, OpenOfAMissingPortFailsAndLeavesTheOutputUntouched) {
   ASSERT_FALSE(std::filesystem::exists("/dev/ttyUSB100000"));
   for (int attempt = 0; attempt < 3; ++attempt) {
     EXPECT_TRUE(call(test::kOpen));
@@ -188,7 +194,7 @@ TEST_F(DriverMethods, OpenFailsOnAMissingPortAndLeavesItsOutput) {
   EXPECT_TRUE(memory_.requests.empty());
 }
 
-TEST_F(DriverMethods, CloseRefusesWhatIsNotOpen) {
+TEST_F(DriverMethods, CloseRefusesUnknownIdentifiers) {
   const std::u16string longId(10000, u'x');
   EXPECT_FALSE(close(textVariant(u"InputDevice#1")));
   EXPECT_FALSE(close(textVariant(u"")));
@@ -200,7 +206,7 @@ TEST_F(DriverMethods, CloseRefusesWhatIsNotOpen) {
   }
 }
 
-TEST_F(DriverMethods, DeviceTestSucceedsWithTwoEmptyTextsWhateverHappens) {
+TEST_F(DriverMethods, DeviceTestAlwaysSucceedsWithTwoEmptyTexts) {
   EXPECT_TRUE(call(test::kDeviceTest));
   EXPECT_TRUE(resultFlag());
   EXPECT_EQ(textIn(params_[0]), u"");
@@ -215,7 +221,7 @@ TEST_F(DriverMethods, ThereAreNoAdditionalActions) {
   EXPECT_TRUE(sameBytes(ret_, untouchedVariant()));
 }
 
-TEST_F(DriverMethods, TheNumberOfParametersIsNotLookedAt) {
+TEST_F(DriverMethods, TheParameterCountIsIgnored) {
   params_[0] = textVariant(u"Speed");
   params_[1] = numberVariant(9600);
   for (const long count : {0L, 2L, -1L, LONG_MIN, LONG_MAX}) {
@@ -224,7 +230,7 @@ TEST_F(DriverMethods, TheNumberOfParametersIsNotLookedAt) {
   }
 }
 
-TEST_F(DriverMethods, WithoutPlacesForResultsEveryCallFails) {
+TEST_F(DriverMethods, CallsWithNullPointersFail) {
   for (const long method : {-1L, 0L, 1L, 2L, 3L, 4L, 5L, 6L, 7L, 8L, 9L, 10L}) {
     SCOPED_TRACE(testing::Message() << "method " << method);
     EXPECT_FALSE(component_.CallAsFunc(method, nullptr, params_.data(), 7));
@@ -262,7 +268,7 @@ TEST_F(DriverMethods, WithoutMemoryTextsAreNullAndOnlyGetVersionFails) {
   }
 }
 
-TEST_F(DriverMethods, AMissingMemoryManagerIsAsGoodAsOneThatRefuses) {
+TEST_F(DriverMethods, WithoutAMemoryManagerTextsAreNull) {
   component_.setMemManager(nullptr);
   EXPECT_FALSE(call(test::kGetVersion));
   EXPECT_TRUE(call(test::kGetLastError));
@@ -279,6 +285,19 @@ TEST_F(DriverMethods, AnExceptionInsideIsAFailedCall) {
   }
 }
 
+TEST_F(DriverMethods, GetLastErrorAnswersBeforeInit) {
+  QuorvelNative fresh(L"InputDevice", L"Штрихкод");
+  fresh.setMemManager(&memory_);
+  for (const LastErrorText& row : kLastErrorTexts) {
+    AppSettings::setLocale(row.locale);
+    ret_ = untouchedVariant();
+    EXPECT_TRUE(fresh.CallAsFunc(test::kGetLastError, &ret_, params_.data(), 1));
+    EXPECT_EQ(ret_.vt, 3);
+    EXPECT_EQ(ret_.intValue, 1);
+    EXPECT_EQ(textIn(params_[0]), row.text);
+  }
+}
+
 TEST_F(DriverMethods, BeforeInitNothingCanBeSetOrOpened) {
   QuorvelNative fresh(L"InputDevice", L"Штрихкод");
   const auto callFresh = [&](long method) {
@@ -288,7 +307,6 @@ TEST_F(DriverMethods, BeforeInitNothingCanBeSetOrOpened) {
   fresh.setMemManager(&memory_);
   EXPECT_TRUE(callFresh(test::kGetVersion));
   EXPECT_TRUE(callFresh(test::kGetDescription));
-  EXPECT_FALSE(callFresh(test::kGetLastError));
   EXPECT_FALSE(callFresh(test::kGetParameters));
   params_[0] = textVariant(u"Speed");
   params_[1] = numberVariant(9600);

@@ -261,9 +261,12 @@ TEST_F(ComponentTest, ALongLocaleIsALocale) {
   EXPECT_EQ(AppSettings::locale(), 0u);
 }
 
-TEST_F(ComponentTest, NoLocaleChangesNothing) {
+TEST_F(ComponentTest, ANullLocaleCountsAsAnEmptyName) {
   AppSettings::setLocale(1);
+  QuorvelNative english(L"InputDevice", L"Штрихкод");
   component_.SetLocale(nullptr);
+  EXPECT_EQ(AppSettings::locale(), 0u);
+  english.SetLocale(nullptr);
   EXPECT_EQ(AppSettings::locale(), 1u);
 }
 
