@@ -1,5 +1,8 @@
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <iconv.h>
 
+#include <cerrno>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -7,6 +10,20 @@
 #include "tests/rig/Commands.h"
 #include "tests/rig/RandomBytes.h"
 #include "util/CodePages.h"
+
+static int convertersOpened = 0;
+
+// Finds only the converter that is built into the C library, as on a system where the others are in
+// a package that is not installed.
+extern "C" iconv_t iconv_open(const char* to, const char* from) {
+  ++convertersOpened;
+  if (std::string(from) == "UTF-8") {
+    const auto original = reinterpret_cast<decltype(&iconv_open)>(dlsym(RTLD_NEXT, "iconv_open"));
+    return original(to, from);
+  }
+  errno = EINVAL;
+  return reinterpret_cast<iconv_t>(-1);
+}
 
 namespace quorvel {
 namespace {
@@ -16,14 +33,14 @@ using namespace std::string_literals;
 // "Привет" in Windows-1251.
 const std::string kHelloCP1251 = "\xCF\xF0\xE8\xE2\xE5\xF2";
 
-// Bytes that the program wrote as wide characters.
+// The wide characters that the program wrote.
 std::wstring fromWide(const std::string& bytes) {
   std::wstring text(bytes.size() / sizeof(wchar_t), L'\0');
   std::memcpy(text.data(), bytes.data(), text.size() * sizeof(wchar_t));
   return text;
 }
 
-// What iconv(1) makes of each input; what it refuses is the empty text.
+// What iconv(1) makes of each input; empty where it reports an error.
 std::vector<std::wstring> decodedBySystem(const std::string& encoding,
                                           const std::vector<std::string>& inputs) {
   std::vector<std::wstring> texts;
@@ -74,7 +91,7 @@ TEST(ConvertMbsToWcs, DecodesWindows1251) {
   EXPECT_EQ(ConvertMbsToWcs("", L"Windows-1251"), L"");
 }
 
-TEST(ConvertMbsToWcs, EveryOtherNameMeansUtf8) {
+TEST(ConvertMbsToWcs, AnyOtherEncodingNameMeansUtf8) {
   for (const std::wstring& name : {L""s, L"utf-8"s, L"CP1251"s, L"windows-1251"s, L"Windows-1251 "s,
                                    L"KOI8-R"s, std::wstring(10000, L'x')}) {
     EXPECT_EQ(ConvertMbsToWcs("Привет", name), L"Привет");
@@ -82,18 +99,18 @@ TEST(ConvertMbsToWcs, EveryOtherNameMeansUtf8) {
   }
 }
 
-TEST(ConvertMbsToWcs, KeepsNothingOfATextThatIsInvalidOrCutOff) {
+TEST(ConvertMbsToWcs, IsEmptyForInvalidOrCutOffText) {
   const std::string hello = "Привет";
   EXPECT_EQ(ConvertMbsToWcs(hello.substr(0, hello.size() - 1), L"UTF-8"), L"");
   EXPECT_EQ(ConvertMbsToWcs("abc\xFFzz", L"UTF-8"), L"");
   EXPECT_EQ(ConvertMbsToWcs("abc\x98zz", L"Windows-1251"), L"");
 }
 
-TEST(ConvertMbsToWcs, EndsAtTheFirstZeroByte) {
+TEST(ConvertMbsToWcs, EndsAtTheFirstNul) {
   EXPECT_EQ(ConvertMbsToWcs("ab\0cd"s, L"UTF-8"), L"ab");
   EXPECT_EQ(ConvertMbsToWcs("\0cd"s, L"UTF-8"), L"");
   EXPECT_EQ(ConvertMbsToWcs("ab\0cd"s, L"Windows-1251"), L"ab");
-  // What follows the zero must be valid all the same.
+  // The rest must be valid all the same.
   EXPECT_EQ(ConvertMbsToWcs("ab\0\xFF"s, L"UTF-8"), L"");
 }
 
@@ -103,7 +120,16 @@ TEST(ConvertMbsToWcs, TakesALongText) {
             std::wstring(10000, L'Ж'));
 }
 
-TEST(ConvertMbsToWcs, EveryByteOfWindows1251AsTheSystemsProgramDecodesIt) {
+TEST(ConvertMbsToWcs, NeedsNoConverterForAsciiAndWindows1251) {
+  const int before = convertersOpened;
+  EXPECT_EQ(ConvertMbsToWcs("4600051000057\x1D\x7F", L"UTF-8"), L"4600051000057\x1D\x7F");
+  EXPECT_EQ(ConvertMbsToWcs(kHelloCP1251, L"Windows-1251"), L"Привет");
+  EXPECT_EQ(ConvertUTF8Input("4600051000057"), L"4600051000057");
+  EXPECT_EQ(ConvertUTF8Input(("a" + kHelloCP1251).c_str()), L"aПривет");
+  EXPECT_EQ(convertersOpened, before);
+}
+
+TEST(ConvertMbsToWcs, AgreesWithIconvOnEveryByteOfWindows1251) {
   std::vector<std::string> bytes;
   for (int byte = 1; byte < 256; ++byte) bytes.emplace_back(1, static_cast<char>(byte));
   const std::vector<std::wstring> expected = decodedBySystem("CP1251", bytes);
@@ -111,10 +137,10 @@ TEST(ConvertMbsToWcs, EveryByteOfWindows1251AsTheSystemsProgramDecodesIt) {
     EXPECT_EQ(ConvertMbsToWcs(bytes[i], L"Windows-1251"), expected[i]) << "byte " << i + 1;
   }
   EXPECT_EQ(expected[0xC6 - 1], L"Ж");
-  EXPECT_EQ(expected[0x98 - 1], L"") << "the one byte that stands for nothing";
+  EXPECT_EQ(expected[0x98 - 1], L"") << "the unassigned byte";
 }
 
-TEST(ConvertMbsToWcs, Utf8AsTheSystemsProgramDecodesIt) {
+TEST(ConvertMbsToWcs, AgreesWithIconvOnUtf8) {
   rig::RandomBytes random(1);
   std::vector<std::string> inputs;
   for (int i = 0; i < 60; ++i) {
@@ -145,7 +171,7 @@ TEST(ConvertMbsToWcs, Utf8AsTheSystemsProgramDecodesIt) {
   }
 }
 
-TEST(IsUTF8String, CountsContinuationsAgainstSuspiciousLeads) {
+TEST(IsUTF8String, NeedsMoreContinuationBytesThanSuspiciousLeads) {
   const struct {
     std::string text;
     bool utf8;
@@ -155,7 +181,7 @@ TEST(IsUTF8String, CountsContinuationsAgainstSuspiciousLeads) {
       {"abc", false},
       {"aПривет", true},
       {"a" + kHelloCP1251, false},
-      // The first byte is not looked at.
+      // The first byte is ignored.
       {"\xD0", false},
       {"\x80", false},
       {"\xFF", false},
@@ -168,7 +194,7 @@ TEST(IsUTF8String, CountsContinuationsAgainstSuspiciousLeads) {
       {"a\x7F", false},
       {"a\x80", true},
       {"a\xBF", true},
-      // The usual lead bytes count for nothing, all others against.
+      // Lead bytes are suspicious, except the usual ones.
       {"a\xC2", false},
       {"a\xC2\x80", true},
       {"a\xC0\x80", false},
@@ -185,7 +211,7 @@ TEST(IsUTF8String, CountsContinuationsAgainstSuspiciousLeads) {
   }
 }
 
-TEST(IsUTF8String, ExactlyTheUsualLeadBytesAreNotSuspicious) {
+TEST(IsUTF8String, OnlyTheUsualLeadBytesAreUnsuspicious) {
   for (int lead = 0xC0; lead < 0x100; ++lead) {
     const bool usual = lead == 0xC2 || lead == 0xC3 || lead == 0xD0 || lead == 0xD1 || lead == 0xE2;
     const std::string text = {'a', static_cast<char>(lead), '\x80'};
@@ -198,11 +224,11 @@ TEST(ConvertUTF8Input, DecodesInTheGuessedEncoding) {
   EXPECT_EQ(ConvertUTF8Input(("a" + kHelloCP1251).c_str()), L"aПривет");
   EXPECT_EQ(ConvertUTF8Input("AT Translated Set 2 keyboard"), L"AT Translated Set 2 keyboard");
   EXPECT_EQ(ConvertUTF8Input(""), L"");
-  // One byte is always Windows-1251.
+  // A single byte is always Windows-1251.
   EXPECT_EQ(ConvertUTF8Input("\xC6"), L"Ж");
 }
 
-TEST(ConvertUTF8Input, KeepsNothingOfATextThatIsInvalidInTheGuessedEncoding) {
+TEST(ConvertUTF8Input, IsEmptyForTextThatIsInvalidInTheGuessedEncoding) {
   EXPECT_EQ(ConvertUTF8Input("aЖ\xD0"), L"");
   EXPECT_EQ(ConvertUTF8Input("\x98"), L"");
 }

@@ -60,7 +60,7 @@ TEST(FileDescriptor, AssigningATemporaryClosesTheDescriptorHeldBefore) {
 }
 
 TEST(IconvDescriptor, KnowsWhetherTheConversionExists) {
-  EXPECT_TRUE(IconvDescriptor("WCHAR_T", "CP1251"));
+  EXPECT_TRUE(IconvDescriptor("WCHAR_T", "UTF-8"));
   EXPECT_FALSE(IconvDescriptor("WCHAR_T", "no such encoding"));
 }
 
