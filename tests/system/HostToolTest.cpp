@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "QuorvelVersion.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/SerialDriver.h"
 
@@ -248,10 +249,49 @@ TEST(HostTool, SaysInOneLineWhatIsWrong) {
 }
 
 TEST(HostTool, HelpsAtAnyPlaceOfTheCommandLine) {
-  for (const Words& words : {Words{"--help"}, Words{"listen", "--help"}, Words{"info", "--help"}}) {
-    EXPECT_THAT(rig::run(hostWords(words), kEnglish).output, HasSubstr("usage: quorvel-host"));
-    EXPECT_THAT(rig::run(hostWords(words), kRussian).output, HasSubstr("запуск: quorvel-host"));
+  for (const Words& words : {Words{"--help"}, Words{"-h"}, Words{"help"}}) {
+    EXPECT_THAT(rig::run(hostWords(words), kEnglish).output,
+                HasSubstr("usage: quorvel-host [--library FILE] COMMAND"));
+    EXPECT_THAT(rig::run(hostWords(words), kRussian).output,
+                HasSubstr("запуск: quorvel-host [--library ФАЙЛ] КОМАНДА"));
     EXPECT_EQ(rig::run(hostWords(words), kEnglish).code, 0);
+  }
+}
+
+TEST(HostTool, HelpsWithEachCommand) {
+  for (const std::string command : {"info", "form", "listen", "test"}) {
+    for (const Words& words : {Words{command, "--help"}, Words{"-h", command}, Words{command, "-h"},
+                               Words{"help", command}}) {
+      EXPECT_THAT(rig::run(hostWords(words), kEnglish).output,
+                  StartsWith("usage: quorvel-host " + command));
+      EXPECT_THAT(rig::run(hostWords(words), kRussian).output,
+                  StartsWith("запуск: quorvel-host " + command));
+    }
+  }
+  EXPECT_EQ(rig::run(hostWords({"help", "scan"}), kEnglish).errors,
+            "quorvel-host: unknown command scan (see --help)\n");
+  EXPECT_EQ(rig::run(hostWords({"help", "info", "form"}), kEnglish).code, 2);
+}
+
+TEST(HostTool, HelpOfListenNamesTheParametersOfTheForm) {
+  const std::string help =
+      rig::run(hostWords({"--library", rig::englishLibraryPath(), "help", "listen"}), kEnglish)
+          .output;
+  EXPECT_THAT(help, HasSubstr("parameters of --set"));
+  EXPECT_THAT(help, HasSubstr("  Suffix: Suffix (number, by default 13)"));
+  EXPECT_THAT(help, HasSubstr("    * 9600\n"));
+  // Without a library the help is all but that.
+  const Ending without =
+      rig::run(hostWords({"--library", "/dev/null", "help", "listen"}), kEnglish);
+  EXPECT_EQ(without.code, 0);
+  EXPECT_THAT(without.output, StartsWith("usage: quorvel-host listen"));
+}
+
+TEST(HostTool, TellsItsVersion) {
+  for (const Words& words : {Words{"--version"}, Words{"listen", "--version"}}) {
+    const Ending ending = rig::run(hostWords(words), kEnglish);
+    EXPECT_EQ(ending.code, 0);
+    EXPECT_EQ(ending.output, "quorvel-host " + std::string(quorvel::kVersion) + "\n");
   }
 }
 

@@ -322,14 +322,31 @@ TEST(ScannerTool, SaysInOneLineWhatIsWrong) {
 }
 
 TEST(ScannerTool, HelpsAtAnyPlaceOfTheCommandLine) {
-  for (const Words& words :
-       {Words{"--help"}, Words{"serial", "--help"}, Words{"--help", "serial"}}) {
-    Words all = words;
-    all.insert(all.begin(), rig::scannerPath());
-    EXPECT_THAT(rig::run(all, kEnglish).output, HasSubstr("usage: quorvel-scanner"));
-    EXPECT_THAT(rig::run(all, kRussian).output, HasSubstr("запуск: quorvel-scanner"));
-    EXPECT_EQ(rig::run(all, kEnglish).code, 0);
+  const auto helpOf = [](Words words, const rig::Variables& locale) {
+    words.insert(words.begin(), rig::scannerPath());
+    const Ending ending = rig::run(words, locale);
+    EXPECT_EQ(ending.code, 0);
+    return ending.output;
+  };
+  for (const Words& words : {Words{"--help"}, Words{"-h"}, Words{"help"}}) {
+    EXPECT_THAT(helpOf(words, kEnglish), HasSubstr("usage: quorvel-scanner KIND"));
+    EXPECT_THAT(helpOf(words, kRussian), HasSubstr("запуск: quorvel-scanner ВИД"));
   }
+  for (const Words& words :
+       {Words{"serial", "--help"}, Words{"--help", "serial"}, Words{"help", "serial"}}) {
+    EXPECT_THAT(helpOf(words, kEnglish), StartsWith("usage: quorvel-scanner serial"));
+    EXPECT_THAT(helpOf(words, kRussian), StartsWith("запуск: quorvel-scanner serial"));
+  }
+  EXPECT_THAT(helpOf({"help", "keyboard"}, kEnglish),
+              StartsWith("usage: quorvel-scanner keyboard"));
+  EXPECT_THAT(helpOf({"--version"}, kEnglish), StartsWith("quorvel-scanner "));
+}
+
+TEST(ScannerTool, ATextMayLookLikeAnOption) {
+  Scanner scanner({"--", "--help"});
+  Device device;
+  device.expect({"--help"});
+  scanner.unplug();
 }
 
 TEST(ScannerTool, SaysWhereItIsPluggedIn) {

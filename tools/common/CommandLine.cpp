@@ -5,12 +5,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <iterator>
 #include <limits>
 #include <system_error>
+
+#include "QuorvelVersion.h"
+#include "tools/common/Output.h"
+#include "tools/common/VisibleText.h"
 
 namespace terminal {
 namespace {
@@ -21,6 +27,7 @@ constexpr Text kNoCommand = {"a command is missing (see --help)", "нет ком
 constexpr Text kUnknownCommand = {"unknown command ", "неизвестная команда "};
 constexpr Text kNotANumber = {": a number is expected from ", ": ожидается число от "};
 constexpr Text kTo = {" to ", " до "};
+constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kSeeHelp = {" (see --help)", " (см. --help)"};
 
 // A number as a person writes it: no trailing zeros.
@@ -38,6 +45,57 @@ std::vector<option> toGetopt(const std::vector<Option>& options) {
   }
   table.push_back({nullptr, 0, nullptr, 0});
   return table;
+}
+
+// The words that options and commands are read from; what follows "--" is text.
+Arguments::const_iterator endOfOptions(const Arguments& words) {
+  return std::find(words.begin(), words.end(), "--");
+}
+
+bool hasWord(const Arguments& words, std::initializer_list<const char*> wanted) {
+  return std::any_of(words.begin(), endOfOptions(words), [&](const std::string& word) {
+    return std::find(wanted.begin(), wanted.end(), word) != wanted.end();
+  });
+}
+
+const Command* commandNamed(const ProgramDescription& program, const std::string& name) {
+  for (const Command& command : program.commands) {
+    if (command.name == name) return &command;
+  }
+  return nullptr;
+}
+
+const Command& requireCommand(const ProgramDescription& program, const std::string& name) {
+  const Command* const command = commandNamed(program, name);
+  if (!command) throw UsageError(say(kUnknownCommand) + name + say(kSeeHelp));
+  return *command;
+}
+
+void printHelp(const Command& command) {
+  std::cout << say(command.help);
+  if (command.printMoreHelp) command.printMoreHelp();
+}
+
+// `words` ask for help in the manner of an option: of the first command among them, if any.
+int helpByOption(const ProgramDescription& program, const Arguments& words) {
+  for (auto word = words.begin(); word != endOfOptions(words); ++word) {
+    const Command* const command = commandNamed(program, *word);
+    if (!command) continue;
+    printHelp(*command);
+    return 0;
+  }
+  std::cout << say(program.help);
+  return 0;
+}
+
+int helpByCommand(const ProgramDescription& program, const Arguments& words) {
+  if (words.size() > 1) throw UsageError(say(kUnexpected) + words[1]);
+  if (words.empty()) {
+    std::cout << say(program.help);
+  } else {
+    printHelp(requireCommand(program, words.front()));
+  }
+  return 0;
 }
 
 }  // namespace
@@ -62,18 +120,18 @@ Arguments readOptions(const Arguments& arguments, const std::vector<Option>& opt
   return Arguments(argv.begin() + optind, argv.begin() + argc);
 }
 
-int runCommand(const std::vector<Command>& commands, Arguments words, const Text& help) {
-  if (std::find(words.begin(), words.end(), "--help") != words.end()) {
-    std::cout << say(help);
+int runCommand(const ProgramDescription& program, const Arguments& words) {
+  if (hasWord(words, {"--version"})) {
+    std::cout << program.name << ' ' << quorvel::kVersion << '\n';
     return 0;
   }
-  if (words.empty()) throw UsageError(say(kNoCommand));
-  const std::string name = words.front();
-  const auto command = std::find_if(commands.begin(), commands.end(),
-                                    [&](const Command& known) { return known.name == name; });
-  if (command == commands.end()) throw UsageError(say(kUnknownCommand) + name + say(kSeeHelp));
-  words.erase(words.begin());
-  return command->run(words);
+  if (hasWord(words, {"--help", "-h"})) return helpByOption(program, words);
+  Arguments rest = readOptions(words, program.options, /*stopAtFirst=*/true);
+  if (rest.empty()) throw UsageError(say(kNoCommand));
+  const std::string name = rest.front();
+  rest.erase(rest.begin());
+  if (name == "help") return helpByCommand(program, rest);
+  return requireCommand(program, name).run(rest);
 }
 
 double numberFrom(const std::string& text, const char* what, double lowest, double highest) {
@@ -103,13 +161,17 @@ std::string readFile(const std::string& path) {
 }
 
 int runProgram(const char* name, const std::function<int()>& body) {
+  // A reader that has gone shows in the next write instead.
+  std::signal(SIGPIPE, SIG_IGN);
   try {
-    return body();
+    const int code = body();
+    flushOutput();
+    return code;
   } catch (const UsageError& error) {
-    std::cerr << name << ": " << error.what() << '\n';
+    std::cerr << name << ": " << visible(error.what()) << '\n';
     return 2;
   } catch (const std::exception& error) {
-    std::cerr << name << ": " << error.what() << '\n';
+    std::cerr << name << ": " << visible(error.what()) << '\n';
     return 1;
   }
 }

@@ -35,12 +35,23 @@ Arguments readOptions(const Arguments& arguments, const std::vector<Option>& opt
 // One thing that a program does, by the first word of its command line.
 struct Command {
   const char* name;
+  Text help;
   std::function<int(const Arguments& arguments)> run;
+  // Prints what the help can only tell at run time; may be empty.
+  std::function<void()> printMoreHelp = {};
 };
 
-// Runs the command that `words` name, with the words after it. With --help anywhere among the
-// words, before or after the command, prints the help instead. Throws UsageError.
-int runCommand(const std::vector<Command>& commands, Arguments words, const Text& help);
+struct ProgramDescription {
+  const char* name;
+  Text help;
+  std::vector<Option> options;  // before the command
+  std::vector<Command> commands;
+};
+
+// Runs the command that `words` name, with the words after it. --help or -h, at any place before a
+// "--", prints the help of the program or of the command instead, as `help [COMMAND]` does;
+// --version prints the version. Throws UsageError.
+int runCommand(const ProgramDescription& program, const Arguments& words);
 
 // A number in decimal, within bounds. Throws UsageError, which names `what`.
 double numberFrom(const std::string& text, const char* what, double lowest, double highest);
@@ -51,7 +62,7 @@ std::int32_t integerFrom(const std::string& text, const char* what, std::int32_t
 std::string readFile(const std::string& path);
 
 // Runs the body of a program, and turns what it throws into one line and an exit code: 2 for a
-// UsageError, 1 for everything else.
+// UsageError, 1 for everything else, an output that cannot be written among it.
 int runProgram(const char* name, const std::function<int()>& body);
 
 }  // namespace terminal

@@ -1,5 +1,5 @@
-// The commands of quorvel-host. Each reads its own arguments, throws UsageError for what it cannot
-// understand, and returns the exit code.
+// The commands of quorvel-host, and the help of each. A command reads its own arguments, throws
+// UsageError for what it cannot understand, and returns the exit code.
 #pragma once
 
 #include "tools/common/CommandLine.h"
@@ -7,9 +7,18 @@
 
 namespace terminal {
 
+extern const Text kInfoHelp;
 int runInfo(ComponentLibrary& library, const Arguments& arguments);
+
+extern const Text kFormHelp;
 int runForm(ComponentLibrary& library, const Arguments& arguments);
+
+extern const Text kListenHelp;
 int runListen(ComponentLibrary& library, const Arguments& arguments);
+// The parameters that --set knows, as the component's form has them.
+void printParameters(ComponentLibrary& library);
+
+extern const Text kTestHelp;
 int runTest(ComponentLibrary& library, const Arguments& arguments);
 
 }  // namespace terminal

@@ -1,9 +1,12 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
 
 #include "tools/common/FormDocument.h"
 #include "tools/common/HostText.h"
+#include "tools/common/VisibleText.h"
 #include "tools/host/Commands.h"
 
 namespace terminal {
@@ -12,6 +15,8 @@ namespace {
 constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kDefault = {", by default ", ", по умолчанию "};
 constexpr Text kShownWhen = {", shown when ", ", видно, когда "};
+constexpr Text kParameters = {"parameters of --set (* marks the default):",
+                              "параметры для --set (* отмечает значение по умолчанию):"};
 constexpr Text kNothing = {"(nothing to choose from)", "(выбирать не из чего)"};
 constexpr const char* kTo = " … ";
 
@@ -28,7 +33,7 @@ template <std::size_t Count>
 std::string meaningOf(const std::string& word, const Word (&table)[Count]) {
   const auto known = std::find_if(std::begin(table), std::end(table),
                                   [&](const Word& entry) { return entry.word == word; });
-  return known == std::end(table) ? " " + word + " " : say(known->meaning);
+  return known == std::end(table) ? " " + visible(word) + " " : say(known->meaning);
 }
 
 // Longer lists of choices are folded: more would fill the screen.
@@ -43,7 +48,7 @@ struct Row {
 
 // A text that is chosen by its name is quoted: the blanks at its ends count.
 std::string shown(const FormParameter& parameter, const std::string& value) {
-  return parameter.type == "String" ? '"' + value + '"' : value;
+  return visible(parameter.type == "String" ? '"' + value + '"' : value);
 }
 
 // Whether the two belong to one run: numbers in sequence, by which their texts begin.
@@ -57,7 +62,7 @@ bool follows(const FormChoice& choice, const FormChoice& before) {
 
 Row rowOf(const FormParameter& parameter, const FormChoice& choice) {
   return {choice.value == parameter.defaultValue, shown(parameter, choice.value),
-          choice.text == choice.value ? std::string() : choice.text};
+          choice.text == choice.value ? std::string() : visible(choice.text)};
 }
 
 // Where the run of choices that begins at `first` ends. The default stands alone.
@@ -82,7 +87,7 @@ std::vector<Row> rowsOf(const FormParameter& parameter, bool folded) {
     Row row = rowOf(parameter, choices[first]);
     if (end - first > 1) {
       row.value += kTo + shown(parameter, choices[end - 1].value);
-      row.text += kTo + choices[end - 1].text;
+      row.text += kTo + visible(choices[end - 1].text);
     }
     rows.push_back(std::move(row));
     first = end;
@@ -109,29 +114,61 @@ void printChoices(const FormParameter& parameter, bool all) {
 }
 
 void printParameter(const FormParameter& parameter, bool all) {
-  std::cout << "\n  " << parameter.name << ": " << parameter.caption << " ("
+  std::cout << "\n  " << visible(parameter.name) << ": " << visible(parameter.caption) << " ("
             << meaningOf(parameter.type, kTypes) << say(kDefault)
             << shown(parameter, parameter.defaultValue);
   if (const auto& condition = parameter.condition) {
-    std::cout << say(kShownWhen) << condition->parameter
-              << meaningOf(condition->operation, kOperations) << condition->value;
+    std::cout << say(kShownWhen) << visible(condition->parameter)
+              << meaningOf(condition->operation, kOperations) << visible(condition->value);
   }
   std::cout << ")\n";
-  if (!parameter.description.empty()) std::cout << "      " << parameter.description << '\n';
+  if (!parameter.description.empty())
+    std::cout << "      " << visible(parameter.description) << '\n';
   printChoices(parameter, all);
 }
 
 void printForm(const std::vector<FormPage>& pages, bool all) {
   for (const FormPage& page : pages) {
-    std::cout << page.caption << '\n';
+    std::cout << visible(page.caption) << '\n';
     for (const FormGroup& group : page.groups) {
-      std::cout << '\n' << group.caption << '\n';
+      std::cout << '\n' << visible(group.caption) << '\n';
       for (const FormParameter& parameter : group.parameters) printParameter(parameter, all);
     }
   }
 }
 
 }  // namespace
+
+const Text kFormHelp = {
+    R"(usage: quorvel-host form [--all] [--xml]
+
+Shows the settings that the component offers, with the ports and keyboards of this machine;
+* marks the default.
+
+options:
+  --all  every choice; long lists are folded otherwise
+  --xml  the document itself
+)",
+    R"(запуск: quorvel-host form [--all] [--xml]
+
+Показывает настройки, которые предлагает компонента, с портами и клавиатурами этой машины;
+* отмечает значение по умолчанию.
+
+ключи:
+  --all  все варианты; иначе длинные списки свёрнуты
+  --xml  сам документ
+)"};
+
+void printParameters(ComponentLibrary& library) {
+  Component component(library, u"InputDevice");
+  component.object().SetLocale(userLocale());
+  std::cout << '\n' << say(kParameters) << '\n';
+  for (const FormPage& page : readForm(toUtf8(component.parameters()))) {
+    for (const FormGroup& group : page.groups) {
+      for (const FormParameter& parameter : group.parameters) printParameter(parameter, false);
+    }
+  }
+}
 
 int runForm(ComponentLibrary& library, const Arguments& arguments) {
   bool xml = false;
@@ -144,7 +181,8 @@ int runForm(ComponentLibrary& library, const Arguments& arguments) {
   component.object().SetLocale(userLocale());
   const std::string document = toUtf8(component.parameters());
   if (xml) {
-    std::cout << document << '\n';
+    // A terminal gets no more of it than it can show.
+    std::cout << (isatty(STDOUT_FILENO) ? visible(document, "\t\r\n") : document) << '\n';
   } else {
     printForm(readForm(document), all);
   }

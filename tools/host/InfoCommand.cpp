@@ -1,8 +1,9 @@
-#include <iomanip>
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
 #include "tools/common/HostText.h"
+#include "tools/common/VisibleText.h"
 #include "tools/host/Commands.h"
 
 namespace terminal {
@@ -26,8 +27,9 @@ constexpr Text kDescription[] = {
 
 // One line: a label and what it labels. Widths count characters, not the bytes of UTF-8.
 void printRow(const std::u16string& label, const std::u16string& value, std::size_t width) {
-  std::cout << "  " << toUtf8(label) << std::string(width - std::min(width, label.size()), ' ')
-            << "  " << toUtf8(value) << '\n';
+  std::cout << "  " << visible(toUtf8(label))
+            << std::string(width - std::min(width, label.size()), ' ') << "  "
+            << visible(toUtf8(value)) << '\n';
 }
 
 void printMethods(Component& component) {
@@ -51,7 +53,7 @@ void printClass(ComponentLibrary& library, const std::u16string& name) {
   constexpr std::size_t kLabelWidth = 27;
   Component component(library, name);
   component.object().SetLocale(userLocale());
-  std::cout << toUtf8(name) << '\n';
+  std::cout << visible(toUtf8(name)) << '\n';
   printRow(toHostText(say(kVersion)), component.version(), kLabelWidth);
   const std::vector<std::u16string> description = component.description();
   for (std::size_t i = 0; i < description.size(); ++i) {
@@ -61,6 +63,16 @@ void printClass(ComponentLibrary& library, const std::u16string& name) {
 }
 
 }  // namespace
+
+const Text kInfoHelp = {
+    R"(usage: quorvel-host info
+
+Shows the component's classes with their version, description and methods.
+)",
+    R"(запуск: quorvel-host info
+
+Показывает классы компоненты, их версию, описание и методы.
+)"};
 
 int runInfo(ComponentLibrary& library, const Arguments& arguments) {
   if (!readOptions(arguments, {}).empty()) throw UsageError(say(kNoArguments));

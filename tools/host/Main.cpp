@@ -1,5 +1,6 @@
 // quorvel-host: a host in a terminal.
 #include <filesystem>
+#include <iostream>
 
 #include "tools/host/Commands.h"
 
@@ -7,56 +8,42 @@ namespace {
 
 using namespace terminal;
 
+constexpr char kName[] = "quorvel-host";
+
 constexpr Text kHelp = {
     R"(quorvel-host - load an input-device component and speak to it as a host does
 
 usage: quorvel-host [--library FILE] COMMAND [OPTION...]
+       quorvel-host help COMMAND
 
 commands:
   info      show the component's classes, version, description and methods
-  form      show the settings that the component offers, with the ports and keyboards
-            of this machine; * marks the default
-              --all             every choice; long lists are folded otherwise
-              --xml             the document itself
-  listen    open a device and print each scan until Ctrl-C
-              --port N          the serial port: 1-64 ttyS0 onward, 65-128 ttyACM0
-                                onward, 129 and up ttyUSB0 onward
-              --keyboard NAME   the scanner that types, by its name in the form
-              --set NAME=VALUE  set a parameter first; may be repeated
-              --class NAME      InputDevice (default) or CardReaderDevice
-              --count N         end by itself after N scans
-              --json            one JSON object per scan
+  form      show the settings that the component offers
+  listen    open a device and print each scan
   test      open the component's test window: what every port and keyboard sends
 
 options:
   --library FILE  the component library; by default the one beside this program
-  --help          show this text
+  -h, --help      show this text, or that of a command
+  --version       show the version
 
 exit code: 0 done, 1 failed, 2 the command line is wrong
 )",
     R"(quorvel-host - загрузить компоненту устройств ввода и говорить с ней, как это делает хост
 
 запуск: quorvel-host [--library ФАЙЛ] КОМАНДА [КЛЮЧ...]
+        quorvel-host help КОМАНДА
 
 команды:
   info      показать классы, версию, описание и методы компоненты
-  form      показать настройки, которые предлагает компонента, с портами и клавиатурами
-            этой машины; * отмечает значение по умолчанию
-              --all             все варианты; иначе длинные списки свёрнуты
-              --xml             сам документ
-  listen    открыть устройство и печатать каждое сканирование до Ctrl-C
-              --port N          последовательный порт: 1-64 — ttyS0 и далее, 65-128 —
-                                ttyACM0 и далее, от 129 — ttyUSB0 и далее
-              --keyboard ИМЯ    сканер-клавиатура, имя как в форме настроек
-              --set ИМЯ=ЗНАЧ    сначала задать параметр; можно повторять
-              --class ИМЯ       InputDevice (по умолчанию) или CardReaderDevice
-              --count N         закончить после N сканирований
-              --json            каждое сканирование — объект JSON
+  form      показать настройки, которые предлагает компонента
+  listen    открыть устройство и печатать каждое сканирование
   test      открыть окно теста компоненты: что шлют все порты и клавиатуры
 
 ключи:
   --library ФАЙЛ  библиотека компоненты; по умолчанию та, что рядом с программой
-  --help          показать эту справку
+  -h, --help      показать эту справку или справку о команде
+  --version       показать версию
 
 код выхода: 0 — выполнено, 1 — ошибка, 2 — неверная командная строка
 )"};
@@ -68,15 +55,18 @@ std::string libraryBesideProgram() {
   return program.parent_path() / name;
 }
 
+// A help that can be given only in part is still a help.
+void printParametersIfPossible(const std::string& path) {
+  try {
+    ComponentLibrary library(path);
+    printParameters(library);
+  } catch (const std::runtime_error& error) {
+    std::cout << '\n' << error.what() << '\n';
+  }
+}
+
 int run(const Arguments& words) {
   std::string path = libraryBesideProgram();
-  bool help = false;
-  const std::vector<Option> options = {
-      {"library", true, [&](const std::string& value) { path = value; }},
-      {"help", false, [&](const std::string&) { help = true; }},
-  };
-  Arguments rest = readOptions(words, options, /*stopAtFirst=*/true);
-  if (help) rest = {"--help"};
   // A command meets the library only once its name is known.
   const auto with = [&path](int (*command)(ComponentLibrary&, const Arguments&)) {
     return [&path, command](const Arguments& arguments) {
@@ -84,15 +74,19 @@ int run(const Arguments& words) {
       return command(library, arguments);
     };
   };
-  return runCommand({{"info", with(runInfo)},
-                     {"form", with(runForm)},
-                     {"listen", with(runListen)},
-                     {"test", with(runTest)}},
-                    rest, kHelp);
+  const ProgramDescription program = {
+      kName,
+      kHelp,
+      {{"library", true, [&](const std::string& value) { path = value; }}},
+      {{"info", kInfoHelp, with(runInfo)},
+       {"form", kFormHelp, with(runForm)},
+       {"listen", kListenHelp, with(runListen), [&] { printParametersIfPossible(path); }},
+       {"test", kTestHelp, with(runTest)}}};
+  return runCommand(program, words);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  return runProgram("quorvel-host", [&] { return run(Arguments(argv + 1, argv + argc)); });
+  return runProgram(kName, [&] { return run(Arguments(argv + 1, argv + argc)); });
 }

@@ -20,6 +20,18 @@ bool hasDisplay() {
 
 }  // namespace
 
+const Text kTestHelp = {
+    R"(usage: quorvel-host test
+
+Opens the component's test window, which lists what every serial port and every keyboard
+sends, and ends when it is closed. Needs an X display.
+)",
+    R"(запуск: quorvel-host test
+
+Открывает окно теста компоненты, в котором видно, что шлют все последовательные порты и
+клавиатуры, и заканчивает работу, когда окно закрыто. Нужен X-дисплей.
+)"};
+
 int runTest(ComponentLibrary& library, const Arguments& arguments) {
   if (!readOptions(arguments, {}).empty()) throw UsageError(say(kNoArguments));
   if (!hasDisplay()) throw std::runtime_error(say(kNoDisplay));

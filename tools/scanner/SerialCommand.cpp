@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "tools/common/SerialLine.h"
+#include "tools/common/VisibleText.h"
 #include "tools/scanner/Commands.h"
 #include "tools/scanner/ScanSource.h"
 
@@ -62,7 +63,7 @@ int runSerialScanner(const Arguments& arguments) {
   ScanSource source(serial.scans, texts);
   SerialLine line(serial.line);
   line.link(serial.link);
-  std::cerr << say(kWaiting) << serial.link << say(kUntil) << std::endl;
+  std::cerr << say(kWaiting) << visible(serial.link) << say(kUntil) << std::endl;
   if (serial.wait && !line.waitForReader(end.descriptor())) return 0;
   // A scanner stays plugged in after its last scan: what the reader has not yet taken is not lost.
   if (scan(line, source, serial, end)) end.wait();

@@ -1,0 +1,154 @@
+// quorvel-host listen: which port it reads, where its output goes, and what it says when the device
+// goes.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+
+#include <array>
+#include <filesystem>
+#include <optional>
+
+#include "tests/rig/Program.h"
+#include "tests/rig/SerialDriver.h"
+#include "util/Handles.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using rig::Ending;
+using rig::Program;
+using rig::Words;
+using terminal::LineSetting;
+using terminal::SerialLine;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}, {"DISPLAY", ""}};
+const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}, {"DISPLAY", ""}};
+
+Words listenWords(const Words& more) {
+  Words words = {rig::hostPath(), "listen"};
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
+struct Scanner : SerialLine {
+  explicit Scanner(const std::string& path = "/dev/ttyUSB0") : SerialLine(LineSetting::kFramed) {
+    link(path);
+  }
+};
+
+// A link in a folder that a udev rule would make.
+struct StableLink {
+  explicit StableLink(const std::string& target) {
+    fs::create_directories(fs::path(path).parent_path());
+    fs::create_symlink(target, path);
+  }
+  ~StableLink() { fs::remove_all("/dev/serial"); }
+  const std::string path = "/dev/serial/by-id/usb-Maker_Scanner_1234-if00";
+};
+
+TEST(ListenCommand, APortMayBeNamedByItsFile) {
+  Scanner scanner;
+  const StableLink stable("../../ttyUSB0");
+  for (const std::string& name : {std::string("/dev/ttyUSB0"), std::string("ttyUSB0"), stable.path,
+                                  std::string("/dev/../dev//ttyUSB0")}) {
+    Program host(listenWords({"--port", name, "--count", "1"}), kEnglish);
+    EXPECT_THAT(host.errorLine(), StartsWith("listening")) << name;
+    scanner.waitForReader(-1, rig::kPatience);
+    scanner.send("123\r");
+    EXPECT_THAT(host.line(), EndsWith("  123"));
+    EXPECT_EQ(host.end().code, 0);
+  }
+}
+
+TEST(ListenCommand, AFileThatLeadsToNoPortIsRefused) {
+  const StableLink circle("usb-Maker_Scanner_1234-if00");
+  for (const std::string& name :
+       {std::string("/dev/null"), std::string("/dev/nothing"), std::string("/dev/ttyUSB"),
+        std::string("/dev/ttyUSB01"), std::string("/dev/ttyS64"), circle.path}) {
+    const Ending english = rig::run(listenWords({"--port", name}), kEnglish);
+    EXPECT_EQ(english.code, 2);
+    EXPECT_EQ(english.errors, "quorvel-host: --port: " + name +
+                                  " leads to no serial port (ttyS, ttyACM or ttyUSB)\n");
+    EXPECT_THAT(rig::run(listenWords({"--port", name}), kRussian).errors,
+                HasSubstr("не ведёт к последовательному порту"));
+  }
+}
+
+TEST(ListenCommand, AFullDiskEndsIt) {
+  Scanner scanner;
+  Program host({"sh", "-c", "exec \"$0\" listen --port 129 > /dev/full", rig::hostPath()},
+               kEnglish);
+  host.errorLine();
+  scanner.waitForReader(-1, rig::kPatience);
+  scanner.send("123\r");
+  const Ending ending = host.end();
+  EXPECT_EQ(ending.code, 1);
+  EXPECT_EQ(ending.errors, "quorvel-host: cannot write the output: No space left on device\n");
+}
+
+TEST(ListenCommand, AReaderThatHasGoneEndsIt) {
+  Scanner scanner;
+  const std::string pipe = "/dev/shm/events";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  Program host({"sh", "-c", "exec \"$0\" listen --port 129 > \"$1\"", rig::hostPath(), pipe},
+               kRussian);
+  std::optional<quorvel::FileDescriptor> reader(::open(pipe.c_str(), O_RDONLY | O_CLOEXEC));
+  host.errorLine();
+  scanner.waitForReader(-1, rig::kPatience);
+  scanner.send("123\r");
+  std::array<char, 100> line;
+  EXPECT_GT(::read(reader->get(), line.data(), line.size()), 0);
+  reader.reset();
+  scanner.send("456\r");
+  const Ending ending = host.end();
+  fs::remove(pipe);
+  EXPECT_EQ(ending.code, 1);
+  EXPECT_THAT(ending.errors, StartsWith("quorvel-host: не удалось записать вывод: "));
+}
+
+TEST(ListenCommand, EveryCommandSaysWhenItsOutputCannotBeWritten) {
+  for (const char* command : {"info", "form", "--version", "help listen", "--help"}) {
+    const Ending ending = rig::run(
+        {"sh", "-c", "exec \"$0\" " + std::string(command) + " > /dev/full", rig::hostPath()},
+        kEnglish);
+    EXPECT_EQ(ending.code, 1) << command;
+    EXPECT_THAT(ending.errors, HasSubstr("cannot write the output")) << command;
+  }
+}
+
+TEST(ListenCommand, SaysWhenTheDeviceGoes) {
+  for (const auto& [locale, text] : {std::pair(kEnglish, "the device has gone: /dev/ttyUSB0"),
+                                     std::pair(kRussian, "устройство отключено: /dev/ttyUSB0")}) {
+    std::optional<Scanner> scanner(std::in_place);
+    Program host(listenWords({"--port", "129"}), locale);
+    host.errorLine();
+    scanner->waitForReader(-1, rig::kPatience);
+    scanner.reset();
+    EXPECT_EQ(host.errorLine(), text);
+    host.signal(SIGINT);
+    EXPECT_EQ(host.end().code, 0);
+  }
+}
+
+TEST(ListenCommand, NothingOfAScanDrivesTheTerminal) {
+  Scanner scanner;
+  Program host(listenWords({"--port", "129", "--count", "1"}), kEnglish);
+  host.errorLine();
+  scanner.waitForReader(-1, rig::kPatience);
+  scanner.send("\x1B]0;title\x07\u009B2J\u202E1\r");
+  EXPECT_THAT(host.line(), EndsWith("  ␛]0;title␇\\u009B2J\\u202E1"));
+  EXPECT_EQ(host.end().code, 0);
+}
+
+TEST(ListenCommand, NothingOfAnArgumentDrivesTheTerminal) {
+  const Ending ending = rig::run(listenWords({"--port", "1", "\x1B[2J\x9B"}), kEnglish);
+  EXPECT_EQ(ending.errors, "quorvel-host: unexpected argument ␛[2J\\x9B\n");
+}
+
+}  // namespace
