@@ -3,10 +3,12 @@
 
 #include <csignal>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Program.h"
+#include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
 
 namespace {
@@ -91,6 +93,22 @@ TEST_F(KeyboardToolsTest, TheHostPrintsWhatIsTyped) {
   EXPECT_EQ(nlohmann::json::parse(host.line())["data"], "4600051000057");
   terminal::type(server_.keyboard(0), "2\r");
   EXPECT_EQ(nlohmann::json::parse(host.line())["data"], "2");
+  EXPECT_EQ(host.end().code, 0);
+}
+
+TEST_F(KeyboardToolsTest, TheHostSaysWhenTheKeyboardGoesAndWhenItIsBack) {
+  Program host({rig::hostPath(), "--library", rig::libraryPath(), "listen", "--keyboard", "Keys"},
+               {{"LC_ALL", "C.UTF-8"}});
+  host.errorLine();
+  std::optional<rig::XClient> client(server_.display());
+  client->setEnabled(client->device("Keys"), false);
+  EXPECT_EQ(host.errorLine(), "the device has gone: Keys");
+  client->setEnabled(client->device("Keys"), true);
+  EXPECT_EQ(host.errorLine(), "the device is back: Keys");
+  client.reset();
+  server_.kill();
+  EXPECT_EQ(host.errorLine(), "the device has gone: Keys");
+  host.signal(SIGINT);
   EXPECT_EQ(host.end().code, 0);
 }
 
