@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string>
 
 #include "tools/common/SerialLine.h"
+#include "util/Handles.h"
 
 namespace {
 
@@ -44,5 +46,49 @@ TEST_P(FrameLine, MakesAnyLineFramed) {
 INSTANTIATE_TEST_SUITE_P(Lines, FrameLine,
                          testing::Values(LineSetting::kFramed, LineSetting::kRaw,
                                          LineSetting::kCooked));
+
+// The end byte of a scan, as the script knows it, and a scan with that end.
+struct EndByte {
+  const char* name;
+  std::string scan;
+};
+
+class FrameLineEnd : public testing::TestWithParam<EndByte> {};
+
+// What a read of a large buffer gets of a framed line is one scan, however much has come.
+std::string nextScan(int port) {
+  char bytes[64];
+  const ssize_t count = read(port, bytes, sizeof bytes);
+  return count < 0 ? "nothing" : std::string(bytes, static_cast<std::size_t>(count));
+}
+
+TEST_P(FrameLineEnd, HandsOverAScanWhenItsEndHasCome) {
+  const EndByte& end = GetParam();
+  SerialLine line(LineSetting::kCooked);
+  const quorvel::FileDescriptor port(
+      open(line.port().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const std::string command = QUORVEL_FRAME_LINE " --end ";
+  ASSERT_EQ(std::system((command + end.name + " " + line.port()).c_str()), 0);
+  ASSERT_TRUE(line.send(end.scan + end.scan + "AB"));
+  EXPECT_EQ(nextScan(port.get()), end.scan);
+  EXPECT_EQ(nextScan(port.get()), end.scan);
+  EXPECT_EQ(nextScan(port.get()), "nothing");
+}
+
+INSTANTIATE_TEST_SUITE_P(Ends, FrameLineEnd,
+                         testing::Values(EndByte{"cr", "1\t2\x03\r"}, EndByte{"lf", "1\r2\t\n"},
+                                         EndByte{"tab", "1\r2\x03\t"}, EndByte{"etx", "1\r2\t\x03"},
+                                         EndByte{"7", "1\r2\t\x07"}),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+TEST(FrameLineEnd, RefusesWhatIsNoByte) {
+  const SerialLine line(LineSetting::kCooked);
+  const termios before = settingOf(line);
+  for (const std::string end : {"0", "128", "crlf", "''"}) {
+    const std::string command = QUORVEL_FRAME_LINE " --end " + end + " " + line.port();
+    EXPECT_NE(std::system((command + " 2>/dev/null").c_str()), 0) << end;
+  }
+  EXPECT_EQ(settingOf(line).c_lflag, before.c_lflag);
+}
 
 }  // namespace
