@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <deque>
 #include <mutex>
 #include <stdexcept>
@@ -43,6 +45,11 @@ class Messages {
     return message;
   }
 
+  std::size_t count() {
+    const std::lock_guard lock(mutex_);
+    return messages_.size();
+  }
+
  private:
   std::mutex mutex_;
   std::condition_variable arrived_;
@@ -59,6 +66,16 @@ class InputDeviceKeyboardTest : public testing::Test {
   InputDeviceKeyboardTest() { factory_.keyboardDevice = L"Scanner"; }
 
   static terminal::VirtualKeyboard& scanner() { return server_->keyboard(0); }
+
+  // Until another client may grab the scanner.
+  static void awaitRelease() {
+    rig::XClient client(server_->display());
+    const int scanner = client.device("Scanner");
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    while (!client.grab(scanner)) {
+      ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "the scanner is still grabbed";
+    }
+  }
 
   static inline std::unique_ptr<rig::XServer> server_;
   const rig::ScopedVariable display_{"DISPLAY", server_->display()};
@@ -187,6 +204,55 @@ TEST_F(InputDeviceKeyboardTest, ADeviceThatCannotBeOpenedIsNone) {
   const rig::ScopedVariable display("DISPLAY", std::nullopt);
   factory_.keyboardDevice = L"Scanner";
   EXPECT_FALSE(factory_.create(messages_.callback()));
+}
+
+TEST_F(InputDeviceKeyboardTest, MayBeDestroyedInsideItsCallback) {
+  const DataCallback deliver = messages_.callback();
+  std::unique_ptr<InputDevice> device;
+  device = factory_.create([&](const std::wstring& data) {
+    device.reset();
+    deliver(data);
+  });
+  ASSERT_TRUE(device);
+  type(scanner(), "1\r2\r");
+  EXPECT_EQ(messages_.take(), L"1");
+  awaitRelease();
+  // What waited when the device was destroyed is delivered to nobody.
+  EXPECT_EQ(messages_.count(), 0U);
+}
+
+TEST_F(InputDeviceKeyboardTest, TheCallbackMayEndItsThread) {
+  const DataCallback deliver = messages_.callback();
+  auto device = factory_.create([&](const std::wstring& data) {
+    deliver(data);
+    pthread_exit(nullptr);
+  });
+  ASSERT_TRUE(device);
+  type(scanner(), "1\r");
+  EXPECT_EQ(messages_.take(), L"1");
+  awaitRelease();
+  device.reset();
+}
+
+TEST_F(InputDeviceKeyboardTest, TheCallbackRunsWithTheSignalMaskOfTheOpeningThread) {
+  sigset_t openers, before, insideCallback;
+  sigemptyset(&openers);
+  sigaddset(&openers, SIGUSR2);
+  sigaddset(&openers, SIGSEGV);
+  pthread_sigmask(SIG_SETMASK, &openers, &before);
+  const DataCallback deliver = messages_.callback();
+  const auto device = factory_.create([&](const std::wstring& data) {
+    pthread_sigmask(SIG_SETMASK, nullptr, &insideCallback);
+    deliver(data);
+  });
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  ASSERT_TRUE(device);
+  type(scanner(), "1\r");
+  messages_.take();
+  EXPECT_EQ(sigismember(&insideCallback, SIGUSR2), 1);
+  EXPECT_EQ(sigismember(&insideCallback, SIGUSR1), 0);
+  EXPECT_EQ(sigismember(&insideCallback, SIGPIPE), 0);
+  EXPECT_EQ(sigismember(&insideCallback, SIGSEGV), 0) << "faults are never blocked";
 }
 
 TEST_F(InputDeviceKeyboardTest, MayBeDestroyedAtOnce) {

@@ -1,0 +1,89 @@
+#include "devices/KeyboardClaim.h"
+
+#include <X11/extensions/XInput2.h>
+
+#include "devices/KeyboardList.h"
+
+namespace quorvel {
+namespace {
+
+// Cleaned names are ASCII, so the low bytes are the name. It ends at a zero, as the server's names
+// do.
+std::string lowBytes(const std::wstring& text) {
+  std::string bytes;
+  for (const wchar_t symbol : text) {
+    const auto byte = static_cast<char>(symbol & 0xFF);
+    if (byte == '\0') break;
+    bytes += byte;
+  }
+  return bytes;
+}
+
+// The id of the device with this name: the last one when there are several, -1 without one.
+int findDevice(const XConnection& connection, const std::string& name) {
+  int id = -1;
+  for (const XInputDevice& device : listXInputDevices(connection)) {
+    if (device.name == name) id = device.id;
+  }
+  return id;
+}
+
+// The major opcode of the input extension, 0 without it. The server sends events of the version
+// that a client has asked for.
+int inputExtensionOf(const XConnection& connection) {
+  int opcode = 0;
+  connection.call([&](Display* display) {
+    int firstEvent = 0, firstError = 0, major = 2, minor = 0;
+    if (!XQueryExtension(display, "XInputExtension", &opcode, &firstEvent, &firstError)) return;
+    XIQueryVersion(display, &major, &minor);
+  });
+  return opcode;
+}
+
+}  // namespace
+
+KeyboardClaim::KeyboardClaim(const XConnection& connection,
+                             const InputDeviceKeyboardFactory& factory)
+    : connection_(connection),
+      name_(lowBytes(factory.keyboardDevice)),
+      listenOnly_(factory.listenOnly),
+      inputExtension_(inputExtensionOf(connection)) {}
+
+bool KeyboardClaim::take() {
+  if (inputExtension_ == 0) return false;
+  deviceId_ = findDevice(connection_, name_);
+  return deviceId_ != -1 && subscribe();
+}
+
+bool KeyboardClaim::subscribe() const {
+  unsigned char bits[XIMaskLen(XI_KeyRelease)] = {};
+  XISetMask(bits, XI_KeyPress);
+  XISetMask(bits, XI_KeyRelease);
+  XIEventMask mask{.deviceid = deviceId_, .mask_len = sizeof(bits), .mask = bits};
+  int status = BadImplementation;
+  connection_.call([&](Display* display) {
+    const Window root = DefaultRootWindow(display);
+    if (listenOnly_) {
+      status = XISelectEvents(display, root, &mask, 1);
+      // Listening begins when the server has taken the request, not when it is sent.
+      XSync(display, False);
+    } else {
+      status = XIGrabDevice(display, deviceId_, root, CurrentTime, None, XIGrabModeAsync,
+                            XIGrabModeAsync, False, &mask);
+    }
+  });
+  static_assert(Success == 0 && XIGrabSuccess == 0);
+  return status == 0;
+}
+
+void KeyboardClaim::release() {
+  // X servers crash when a device is ungrabbed that is switched off, as all are while another
+  // virtual terminal is in front.
+  if (!isXInputDeviceEnabled(connection_, deviceId_)) return;
+  connection_.call([this](Display* display) {
+    XIUngrabDevice(display, deviceId_, CurrentTime);
+    XFlush(display);
+  });
+}
+
+}  // namespace quorvel

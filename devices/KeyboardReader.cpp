@@ -1,0 +1,95 @@
+#include "devices/KeyboardReader.h"
+
+#include <poll.h>
+#include <sys/eventfd.h>
+
+#include <iterator>
+
+#include "devices/XQueries.h"
+#include "util/Base64.h"
+#include "util/CodePages.h"
+#include "util/Log.h"
+#include "util/PosixThread.h"
+
+namespace quorvel {
+
+bool KeyboardReader::open(const InputDeviceKeyboardFactory& factory) {
+  hostSignals_ = SignalMask::current();
+  stop_ = FileDescriptor(eventfd(0, EFD_CLOEXEC));
+  connection_ = XConnection::open();
+  if (!stop_ || !connection_) return false;
+  focus_.emplace(connection_);
+  message_.emplace(factory, connection_);
+  keyboard_.emplace(connection_, factory);
+  return keyboard_->take() && !connection_.lost();
+}
+
+void KeyboardReader::stop() {
+  running_ = false;
+  if (stop_) eventfd_write(stop_.get(), 1);
+}
+
+void KeyboardReader::ReadThread() {
+  struct Release {
+    ~Release() { keyboard.release(); }
+    KeyboardClaim& keyboard;
+  };
+  const Release release{*keyboard_};
+  while (running_ && !connection_.lost()) {
+    dropExceptions([this] { readOnce(); });
+  }
+  dropExceptions([] { log(std::string(115, '-')); });
+}
+
+void KeyboardReader::readOnce() {
+  XEvent event;
+  if (nextEvent(event)) {
+    handle(event);
+  } else {
+    waitForInput();
+  }
+}
+
+bool KeyboardReader::nextEvent(XEvent& event) const {
+  bool taken = false;
+  connection_.call([&](Display* display) {
+    taken = XPending(display) > 0;
+    if (taken) XNextEvent(display, &event);
+  });
+  return taken;
+}
+
+// Without a timeout: waking up every millisecond to look at the flag would cost more than a
+// hundredth of a core for as long as the host runs.
+void KeyboardReader::waitForInput() const {
+  if (connection_.lost()) return;
+  pollfd waits[] = {{.fd = ConnectionNumber(connection_.get()), .events = POLLIN, .revents = 0},
+                    {.fd = stop_.get(), .events = POLLIN, .revents = 0}};
+  poll(waits, std::size(waits), -1);
+}
+
+void KeyboardReader::handle(XEvent& event) {
+  const XEventData data(connection_, event);
+  const int inputExtension = keyboard_->inputExtension();
+  if (const auto* key = data.as<XIDeviceEvent>(inputExtension, XI_KeyPress)) {
+    handleKey(*key);
+  } else if (!data.as<XIDeviceEvent>(inputExtension, XI_KeyRelease)) {
+    focus_->handle(event);
+  }
+}
+
+void KeyboardReader::handleKey(const XIDeviceEvent& key) {
+  bool ignored = false;
+  if (!dropExceptions([&] { ignored = focus_->belongsToAnotherProcess(); })) message_->dropToEnd();
+  if (ignored) return;
+  const std::optional<std::string> message = message_->add(key);
+  if (message) deliver(*message);
+}
+
+void KeyboardReader::deliver(const std::string& message) const {
+  const std::wstring data = ConvertUTF8Input(raw2Base64(message).c_str());
+  const ScopedSignalMask hostSignals(*hostSignals_);
+  callback_(data);
+}
+
+}  // namespace quorvel
