@@ -40,6 +40,21 @@ else()
 endif()
 target_link_libraries(quorvel_build INTERFACE Threads::Threads)
 
+# quorvel_require_headers(LIBRARY HEADER PACKAGE)
+#
+# Makes a header-only library available everywhere, or fails and names the Debian package to install.
+function(quorvel_require_headers library header package)
+  find_path(QUORVEL_${library}_INCLUDE_DIR "${header}")
+  mark_as_advanced(QUORVEL_${library}_INCLUDE_DIR)
+  if(NOT QUORVEL_${library}_INCLUDE_DIR)
+    message(FATAL_ERROR "${library} is missing: no <${header}>. Install ${package}.")
+  endif()
+  target_include_directories(quorvel_build SYSTEM INTERFACE "${QUORVEL_${library}_INCLUDE_DIR}")
+endfunction()
+
+quorvel_require_headers(Boost boost/locale/encoding_utf.hpp libboost-dev)
+quorvel_require_headers(nlohmann_json nlohmann/json.hpp nlohmann-json3-dev)
+
 # quorvel_room(NAME SOURCES file... [USES target...])
 #
 # Declares the object library quorvel_NAME. Objects, so that the unit tests reach inside while the
