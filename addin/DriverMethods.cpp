@@ -2,6 +2,7 @@
 #include <QuorvelVersion.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>

@@ -1,4 +1,5 @@
 // Strings and variants as a host may pass them.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>

@@ -1,6 +1,8 @@
 // The performer of Linux desktops.
 #pragma once
 
+#include <string>
+
 #include "performer/QuorvelPerformerDesktop.h"
 
 namespace quorvel {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <cwchar>
 #include <cwctype>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -18,11 +20,13 @@ constexpr std::size_t kCodeDigits = 3;
 // Not isgraph(): in a one-byte locale that would let letters above 0x7F through.
 constexpr bool isVisible(char byte) { return byte >= 0x21 && byte <= 0x7E; }
 
-void appendCode(std::string& text, char byte) {
+// Returns the place after the code.
+char* writeCode(char* out, char byte) {
   const auto code = static_cast<std::uint8_t>(byte);
-  text += static_cast<char>('0' + code / 100);
-  text += static_cast<char>('0' + code / 10 % 10);
-  text += static_cast<char>('0' + code % 10);
+  *out++ = static_cast<char>('0' + code / 100);
+  *out++ = static_cast<char>('0' + code / 10 % 10);
+  *out++ = static_cast<char>('0' + code % 10);
+  return out;
 }
 
 // Appends the characters of the complete codes in `digits`, which run to the end of the text.
@@ -65,19 +69,22 @@ std::wstring wideText(const wchar_t* text, int count) {
 }  // namespace
 
 std::string raw2HRS(const char* bytes, int length) {
-  std::string text;
-  bool inside = false;
-  for (int i = 0; i < length; ++i) {
-    const bool coded = !isVisible(bytes[i]);
-    if (coded != inside) text += coded ? '(' : ')';
-    inside = coded;
-    if (coded) {
-      appendCode(text, bytes[i]);
-    } else {
-      text += bytes[i];
+  const char* in = bytes;
+  const char* const end = bytes + std::max(length, 0);
+  // At most three characters a byte: a group of one byte has five, but shares them with the visible
+  // byte before the next group.
+  std::string text(static_cast<std::size_t>(end - in) * kCodeDigits + 2, '\0');
+  char* out = text.data();
+  while (in != end) {
+    if (isVisible(*in)) {
+      *out++ = *in++;
+      continue;
     }
+    *out++ = '(';
+    while (in != end && !isVisible(*in)) out = writeCode(out, *in++);
+    *out++ = ')';
   }
-  if (inside) text += ')';
+  text.resize(static_cast<std::size_t>(out - text.data()));
   return text;
 }
 

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <locale>
 #include <sstream>
 #include <thread>
 
