@@ -3,6 +3,7 @@
 #include <X11/extensions/XInput2.h>
 #include <unistd.h>
 
+#include "devices/KeyboardList.h"
 #include "devices/XQueries.h"
 
 namespace quorvel {
@@ -27,6 +28,7 @@ FocusTracker::FocusTracker(const XConnection& connection) : connection_(connecti
 }
 
 bool FocusTracker::belongsToAnotherProcess() {
+  if (cached_ && !eventsTellOfFocus()) cached_ = focusWindow() == focus_;
   if (!cached_) {
     unwatch();
     answer_ = query();
@@ -37,15 +39,28 @@ bool FocusTracker::belongsToAnotherProcess() {
 void FocusTracker::handle(const XEvent& event) {
   const bool unrelated = event.type == PropertyNotify && event.xproperty.atom != processId_;
   if (!unrelated) cached_ = false;
+  if (event.type == GenericEvent && event.xcookie.evtype == XI_HierarchyChanged) {
+    hasOneMaster_.reset();
+  }
+}
+
+// Each master keyboard has a focus of its own. Which of them counts for this client, another client
+// may change without any event.
+bool FocusTracker::eventsTellOfFocus() {
+  if (!hasOneMaster_) hasOneMaster_ = countMasterKeyboards(connection_) == 1;
+  return *hasOneMaster_;
 }
 
 // Selects events before querying, or a change in between is missed. Reparenting needs no event of
 // its own: the server unmaps the window first, which takes the focus from it.
 bool FocusTracker::query() {
   const Window focus = focusWindow();
-  watchFocus(focus == None ? DefaultRootWindow(connection_.get()) : focus);
+  // Not cached: no event tells when the focus goes to a window on which a client has a passive grab
+  // of the focus, unless another window loses it.
+  if (focus == None) return false;
+  watchFocus(focus);
   cached_ = focusWindow() == focus;
-  return focus != None && ancestorsBelongToAnotherProcess(focus);
+  return ancestorsBelongToAnotherProcess(focus);
 }
 
 Window FocusTracker::focusWindow() const {

@@ -1,6 +1,7 @@
 // Whether the keyboard focus belongs to this process.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "devices/XConnection.h"
@@ -8,11 +9,11 @@
 namespace quorvel {
 
 // Tells whether the window with the keyboard focus belongs to another process. Asking the server
-// takes several round trips, too many for every key, so the answer is cached until an event on the
-// same connection says that it may have changed. Used on one thread.
+// takes several round trips, too many for every key, so the answer is cached where an event on the
+// same connection would say that it may have changed. Used on one thread.
 class FocusTracker {
  public:
-  // `connection` is not empty and outlives this object.
+  // `connection` is not empty, has selected hierarchy events, and outlives this object.
   explicit FocusTracker(const XConnection& connection);
 
   // False also where it cannot be told: no window has the focus, no window above it names a
@@ -24,6 +25,8 @@ class FocusTracker {
 
  private:
   bool query();
+  // Whether an event tells of every change of the focus.
+  bool eventsTellOfFocus();
   // The window that has the focus; None when no single one has.
   Window focusWindow() const;
   bool ancestorsBelongToAnotherProcess(Window window);
@@ -34,9 +37,10 @@ class FocusTracker {
   const XConnection& connection_;
   Atom processId_ = None;
   bool cached_ = false;
-  bool answer_ = false;            // when cached
-  Window focus_ = None;            // watched for focus changes; a root when no window has the focus
-  std::vector<Window> ancestors_;  // of the focus window, watched for another process
+  bool answer_ = false;               // when cached
+  Window focus_ = None;               // watched for losing the focus
+  std::vector<Window> ancestors_;     // of the focus window, watched for another process
+  std::optional<bool> hasOneMaster_;  // whether the server has but one master keyboard; none: ask
 };
 
 }  // namespace quorvel

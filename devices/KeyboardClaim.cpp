@@ -47,7 +47,10 @@ KeyboardClaim::KeyboardClaim(const XConnection& connection,
     : connection_(connection),
       name_(lowBytes(factory.keyboardDevice)),
       listenOnly_(factory.listenOnly),
-      inputExtension_(inputExtensionOf(connection)) {}
+      inputExtension_(inputExtensionOf(connection)) {
+  // Before any query, or a change in between is missed.
+  if (inputExtension_ != 0) selectHierarchyEvents(connection);
+}
 
 bool KeyboardClaim::take() {
   if (inputExtension_ == 0) return false;

@@ -11,7 +11,7 @@ namespace quorvel {
 // Used on one thread after another.
 class KeyboardClaim {
  public:
-  // `connection` is not empty and outlives this object.
+  // `connection` is not empty and outlives this object. It will get hierarchy events.
   KeyboardClaim(const XConnection& connection, const InputDeviceKeyboardFactory& factory);
 
   // Grabs the factory's keyboard, or starts listening to it. False when there is no device of that

@@ -2,6 +2,7 @@
 
 #include <X11/extensions/XInput2.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <utility>
@@ -26,6 +27,28 @@ std::map<Atom, std::string> typeNames(const XConnection& connection, const XDevi
   return names;
 }
 
+// What XIQueryDevice tells of a device, or of all devices of a kind.
+class DeviceDescriptions {
+ public:
+  DeviceDescriptions(const XConnection& connection, int id) {
+    XIDeviceInfo* devices = nullptr;
+    int count = 0;
+    connection.call([&](Display* display) { devices = XIQueryDevice(display, id, &count); });
+    devices_.reset(devices);
+    count_ = devices ? count : 0;
+  }
+
+  const XIDeviceInfo* begin() const { return devices_.get(); }
+  const XIDeviceInfo* end() const { return devices_.get() + count_; }
+
+ private:
+  struct Freer {
+    void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
+  };
+  int count_ = 0;
+  std::unique_ptr<XIDeviceInfo, Freer> devices_;
+};
+
 }  // namespace
 
 std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
@@ -45,14 +68,22 @@ std::vector<XInputDevice> listXInputDevices(const XConnection& connection) {
 }
 
 bool isXInputDeviceEnabled(const XConnection& connection, int id) {
-  struct Freer {
-    void operator()(XIDeviceInfo* devices) const { XIFreeDeviceInfo(devices); }
-  };
-  int count = 0;
-  XIDeviceInfo* found = nullptr;
-  connection.call([&](Display* display) { found = XIQueryDevice(display, id, &count); });
-  const std::unique_ptr<XIDeviceInfo, Freer> devices(found);
-  return devices && count > 0 && devices->enabled;
+  const DeviceDescriptions devices(connection, id);
+  return std::ranges::any_of(devices, [](const XIDeviceInfo& device) { return device.enabled; });
+}
+
+std::size_t countMasterKeyboards(const XConnection& connection) {
+  const DeviceDescriptions devices(connection, XIAllMasterDevices);
+  return static_cast<std::size_t>(std::ranges::count_if(
+      devices, [](const XIDeviceInfo& device) { return device.use == XIMasterKeyboard; }));
+}
+
+void selectHierarchyEvents(const XConnection& connection) {
+  unsigned char bits[XIMaskLen(XI_HierarchyChanged)] = {};
+  XISetMask(bits, XI_HierarchyChanged);
+  XIEventMask mask{.deviceid = XIAllDevices, .mask_len = sizeof(bits), .mask = bits};
+  connection.call(
+      [&](Display* display) { XISelectEvents(display, DefaultRootWindow(display), &mask, 1); });
 }
 
 }  // namespace quorvel

@@ -18,9 +18,9 @@ bool KeyboardReader::open(const InputDeviceKeyboardFactory& factory) {
   stop_ = FileDescriptor(eventfd(0, EFD_CLOEXEC));
   connection_ = XConnection::open();
   if (!stop_ || !connection_) return false;
-  focus_.emplace(connection_);
-  message_.emplace(factory, connection_);
   keyboard_.emplace(connection_, factory);
+  message_.emplace(factory, connection_);
+  focus_.emplace(connection_);
   return keyboard_->take() && !connection_.lost();
 }
 

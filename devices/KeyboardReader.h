@@ -31,8 +31,8 @@ class KeyboardReader {
   // keyboard. Lets the unwinding of a thread pass that the callback ends.
   void ReadThread();
 
-  // Makes ReadThread() return after the event that it is handling. No further message is delivered. Any
-  // thread, the callback's too.
+  // Makes ReadThread() return after the event that it is handling. No further message is delivered.
+  // Any thread, the callback's too.
   void stop();
 
  private:

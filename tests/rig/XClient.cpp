@@ -49,6 +49,34 @@ void XClient::focus(Window window, int revertTo) {
   XSync(get(), False);
 }
 
+void XClient::focusOf(int keyboard, Window window) {
+  XISetFocus(get(), keyboard, window, CurrentTime);
+  XSync(get(), False);
+}
+
+void XClient::grabFocusOn(Window window, int keyboard) {
+  unsigned char bits[XIMaskLen(XI_FocusOut)] = {};
+  XISetMask(bits, XI_FocusIn);
+  XISetMask(bits, XI_FocusOut);
+  XIEventMask mask{.deviceid = keyboard, .mask_len = sizeof(bits), .mask = bits};
+  XIGrabModifiers modifiers{.modifiers = static_cast<int>(XIAnyModifier), .status = 0};
+  if (XIGrabFocusIn(get(), keyboard, window, XIGrabModeAsync, XIGrabModeAsync, False, &mask, 1,
+                    &modifiers) != 0) {
+    throw std::runtime_error("the focus cannot be grabbed");
+  }
+}
+
+void XClient::setClientPointer(Window window, int pointer) {
+  XISetClientPointer(get(), window, pointer);
+  XSync(get(), False);
+}
+
+bool XClient::isWatched(Window window, long mask) {
+  XWindowAttributes attributes = {};
+  XGetWindowAttributes(get(), window, &attributes);
+  return (attributes.all_event_masks & mask) != 0;
+}
+
 std::optional<terminal::Key> XClient::takeKey(std::chrono::milliseconds patience) {
   const auto deadline = std::chrono::steady_clock::now() + patience;
   XEvent event;

@@ -32,6 +32,19 @@ class XClient {
   // to what `revertTo` says.
   void focus(Window window, int revertTo = RevertToPointerRoot);
 
+  // Gives the focus of one master keyboard alone to a visible window.
+  void focusOf(int keyboard, Window window);
+
+  // Takes the focus of a master keyboard for this client alone whenever it goes to `window`.
+  void grabFocusOn(Window window, int keyboard);
+
+  // Makes a pointer, and the keyboard that is paired with it, those of the client that owns
+  // `window`.
+  void setClientPointer(Window window, int pointer);
+
+  // Whether some client has asked for events of this mask on the window.
+  bool isWatched(Window window, long mask);
+
   // The next key that one of the windows got; none when there is none within the time.
   std::optional<terminal::Key> takeKey(std::chrono::milliseconds patience);
 
