@@ -24,7 +24,7 @@ set(guarded_headers_in performer addin)
 
 # The owners of C handles need nothing of the component, and serve outside it as well.
 set(shared_header util/Handles.h)
-set(shared_header_in tools tests/rig)
+set(shared_header_in tools tests/rig tests/system)
 
 function(check_include folder file line included)
   get_filename_component(directory "${file}" DIRECTORY)
