@@ -1,5 +1,9 @@
 #include "devices/SerialFamilies.h"
 
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -7,6 +11,19 @@
 #include "util/Handles.h"
 
 namespace quorvel {
+namespace {
+
+std::string readToEnd(int descriptor) {
+  std::string text;
+  char part[4096];
+  ssize_t got;
+  while ((got = ::read(descriptor, part, sizeof part)) > 0 || (got < 0 && errno == EINTR)) {
+    if (got > 0) text.append(part, static_cast<std::size_t>(got));
+  }
+  return text;
+}
+
+}  // namespace
 
 const SerialFamily& serialFamilyOf(std::uint32_t port) {
   const SerialFamily* family = kSerialFamilies.data();
@@ -30,9 +47,13 @@ std::vector<std::string> findDeviceFiles(std::string_view prefix) {
   const std::string command = "find /dev/ -name \"" + std::string(prefix) + "*\"";
   const Pipe pipe(popen(command.c_str(), "r"));
   if (!pipe) return {};
+  // Not by way of the stream: it takes a signal of the host's for the end of the output.
+  const std::string output = readToEnd(fileno(pipe.get()));
   std::vector<std::string> paths;
-  char line[512];
-  while (std::fgets(line, sizeof line, pipe.get())) paths.emplace_back(line);
+  for (std::size_t start = 0, end; start < output.size(); start = end) {
+    end = std::min(output.find('\n', start), output.size() - 1) + 1;
+    paths.push_back(output.substr(start, end - start));
+  }
   return paths;
 }
 

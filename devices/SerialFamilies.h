@@ -34,8 +34,8 @@ std::string devicePathOf(std::uint32_t port);
 // "USB1" for 129.
 std::wstring shortNameOf(std::uint32_t port);
 
-// The paths below /dev whose file names begin with `prefix`, in no order, as find(1) prints them.
-// Empty when it cannot be run.
+// The paths below /dev whose file names begin with `prefix`, in no order, as find(1) prints them,
+// one a line. Empty when it cannot be run.
 std::vector<std::string> findDeviceFiles(std::string_view prefix);
 
 // The number that follows `prefix` in the name of a file in /dev: 3 for "/dev/ttyS3". 0 for any

@@ -1,7 +1,13 @@
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/time.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -117,6 +123,63 @@ TEST(DeviceFiles, OfAnUnknownPrefixAreNone) {
 TEST(DeviceFiles, AreNoneWhereTheyCannotBeSearched) {
   const rig::ScopedVariable nowhere("PATH", "/nonexistent");
   EXPECT_TRUE(findDeviceFiles("null").empty());
+}
+
+// A find(1) that takes its time, in a folder of its own.
+class SlowFind {
+ public:
+  SlowFind() {
+    std::ofstream(folder_ / "find") << "#!/bin/sh\n"
+                                       "for n in 0 1 2 3 4 5 6 7 8 9; do\n"
+                                       "  echo /dev/ttyS$n; sleep 0.01\n"
+                                       "done\n";
+    std::filesystem::permissions(folder_ / "find", std::filesystem::perms::owner_all);
+  }
+  ~SlowFind() { std::filesystem::remove_all(folder_); }
+  SlowFind(const SlowFind&) = delete;
+  SlowFind& operator=(const SlowFind&) = delete;
+
+  std::string searchPath() const { return folder_.string() + ":" + std::getenv("PATH"); }
+
+ private:
+  static std::filesystem::path newFolder() {
+    std::string pattern = std::filesystem::temp_directory_path() / "quorvel-XXXXXX";
+    return mkdtemp(pattern.data());
+  }
+  const std::filesystem::path folder_ = newFolder();
+};
+
+// As a host's own timer does whose handler lets system calls be interrupted.
+class Interruptions {
+ public:
+  Interruptions() {
+    struct sigaction interrupt = {};
+    interrupt.sa_handler = [](int) {};
+    sigaction(SIGALRM, &interrupt, &before_);
+    set(1000);
+  }
+  ~Interruptions() {
+    set(0);
+    sigaction(SIGALRM, &before_, nullptr);
+  }
+  Interruptions(const Interruptions&) = delete;
+  Interruptions& operator=(const Interruptions&) = delete;
+
+ private:
+  static void set(suseconds_t microseconds) {
+    const itimerval every = {{0, microseconds}, {0, microseconds}};
+    setitimer(ITIMER_REAL, &every, nullptr);
+  }
+  struct sigaction before_ = {};
+};
+
+TEST(DeviceFiles, AreAllThereWhenSignalsInterruptTheSearch) {
+  const SlowFind find;
+  const rig::ScopedVariable path("PATH", find.searchPath());
+  const Interruptions interruptions;
+  const std::vector<std::string> paths = findDeviceFiles("ttyS");
+  EXPECT_EQ(paths.size(), 10U);
+  EXPECT_EQ(paths.back(), "/dev/ttyS9\n");
 }
 
 }  // namespace
