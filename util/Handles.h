@@ -1,6 +1,7 @@
 // Owning types for the C library's handles.
 #pragma once
 
+#include <fcntl.h>
 #include <iconv.h>
 #include <unistd.h>
 
@@ -34,6 +35,13 @@ class FileDescriptor {
  private:
   int descriptor_ = -1;
 };
+
+// The same file under another number than 0, which stays free where a host has no standard input:
+// what reads from there must not get hold of a descriptor of the driver's.
+inline FileDescriptor notStandardInput(FileDescriptor descriptor) {
+  if (descriptor.get() != 0) return descriptor;
+  return FileDescriptor(::fcntl(0, F_DUPFD_CLOEXEC, 1));
+}
 
 // A conversion of iconv; false when the C library knows no such pair of encodings.
 class IconvDescriptor {

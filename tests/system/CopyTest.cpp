@@ -14,8 +14,6 @@ using rig::scannerAt;
 using rig::TestWindow;
 using rig::visitWindow;
 
-using Copy = rig::OnScreen;
-
 // The text on the clipboard as another program gets it; this process does nothing meanwhile.
 std::string clipboard() { return rig::outputOf({"xclip", "-o", "-selection", "clipboard"}); }
 
@@ -57,7 +55,7 @@ void copyRow(const TestWindow& window, int row) {
   window.click("Копировать");
 }
 
-TEST_F(Copy, PutsTheSelectedTextOnTheClipboard) {
+TEST(Copy, PutsTheSelectedTextOnTheClipboard) {
   inRows({"first", "Второй"}, [](TestWindow& window) {
     copyRow(window, 1);
     EXPECT_EQ(clipboard(), "Второй 'CR' ");
@@ -66,7 +64,7 @@ TEST_F(Copy, PutsTheSelectedTextOnTheClipboard) {
   });
 }
 
-TEST_F(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
+TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
   inOwnProcess([] {
     visitRows({"scan"}, [](TestWindow& window) { copyRow(window, 0); });
     EXPECT_EQ(clipboard(), "scan 'CR' ");
@@ -74,7 +72,7 @@ TEST_F(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
   });
 }
 
-TEST_F(Copy, DoesNothingWithoutASelection) {
+TEST(Copy, DoesNothingWithoutASelection) {
   const Taker taker("taken");
   inRows({"scan"}, [](TestWindow& window) {
     const std::size_t threads = rig::threadCount();
@@ -84,7 +82,7 @@ TEST_F(Copy, DoesNothingWithoutASelection) {
   });
 }
 
-TEST_F(Copy, YieldsToAnotherProgram) {
+TEST(Copy, YieldsToAnotherProgram) {
   inRows({"scan"}, [](TestWindow& window) {
     const std::size_t threads = rig::threadCount();
     copyRow(window, 0);
@@ -98,7 +96,7 @@ TEST_F(Copy, YieldsToAnotherProgram) {
   });
 }
 
-TEST_F(Copy, RestsWhileTheClipboardIsHeld) {
+TEST(Copy, RestsWhileTheClipboardIsHeld) {
   inOwnProcess([] {
     rig::Times closing;
     visitRows({"scan"}, [&](TestWindow& window) {
@@ -112,7 +110,7 @@ TEST_F(Copy, RestsWhileTheClipboardIsHeld) {
   });
 }
 
-TEST_F(Copy, OutlivesTheXServer) {
+TEST(Copy, OutlivesTheXServer) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);

@@ -1,9 +1,7 @@
 // Which file a port number opens, and in what state the driver has the line.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/capability.h>
 #include <sys/ioctl.h>
-#include <sys/syscall.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -12,9 +10,11 @@
 #include <limits>
 #include <sstream>
 
+#include "tests/rig/OwnProcess.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/WithoutPrivilege.h"
 
 namespace {
 
@@ -125,6 +125,24 @@ TEST(SerialPorts, ThePortIsOpenForReadingWithoutWaitingAndForThisProcessAlone) {
   EXPECT_EQ(fcntl(descriptors[0], F_GETFD), FD_CLOEXEC);
 }
 
+// A process that leads a session without a terminal, as a service does.
+TEST(SerialPorts, ThePortDoesNotBecomeTheControllingTerminal) {
+  rig::inOwnProcess([] {
+    ASSERT_GE(setsid(), 0);
+    SerialDriver driver;
+    SerialLine& line = driver.plugIn(kUsb1, LineSetting::kCooked);
+    driver.component.setParameter(u"Suffix", 10);
+    driver.open(kUsb1);
+    EXPECT_EQ(::open("/dev/tty", O_RDONLY | O_CLOEXEC), -1);
+    // An interrupt character, which a controlling terminal makes a signal of.
+    line.send("\x03scan\n");
+    EXPECT_EQ(driver.event().data, u"scan");
+    // Unplugged, a controlling terminal would end this process.
+    driver.lines.clear();
+    driver.plugIn(kUsb1, LineSetting::kCooked);
+  });
+}
+
 // A descriptor of a port, which keeps what waits in the line while nobody else has it open.
 class OpenPort {
  public:
@@ -183,28 +201,6 @@ TEST(SerialPorts, APortCanBeOpenTwice) {
   EXPECT_EQ(descriptorsOf(line.port()).size(), 0U);
 }
 
-// Takes from the calling thread, which may be root's, the right to open what its mode forbids.
-class WithoutPrivilege {
- public:
-  WithoutPrivilege() {
-    call(SYS_capget, before_);
-    Sets without = {before_[0], before_[1]};
-    without[0].effective &= ~(1U << CAP_DAC_OVERRIDE | 1U << CAP_DAC_READ_SEARCH);
-    call(SYS_capset, without);
-  }
-  ~WithoutPrivilege() { call(SYS_capset, before_); }
-  WithoutPrivilege(const WithoutPrivilege&) = delete;
-  WithoutPrivilege& operator=(const WithoutPrivilege&) = delete;
-
- private:
-  using Sets = std::array<__user_cap_data_struct, 2>;
-  static void call(long number, Sets& sets) {
-    __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
-    syscall(number, &header, sets.data());
-  }
-  Sets before_;
-};
-
 void expectRefused(std::int32_t port) {
   SerialDriver driver;
   const std::size_t threads = rig::settledThreadCount();
@@ -248,7 +244,7 @@ TEST(SerialPorts, AFileThatNobodyMayReadIsRefused) {
   const Removed port{kUsb1Path};
   std::ofstream(port.path).close();
   std::filesystem::permissions(port.path, std::filesystem::perms::none);
-  const WithoutPrivilege without;
+  const rig::WithoutPrivilege without;
   ASSERT_EQ(::open(port.path.c_str(), O_RDONLY), -1);
   expectRefused(kUsb1);
 }

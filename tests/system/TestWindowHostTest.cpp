@@ -21,9 +21,7 @@ using rig::visitWindow;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-using TestWindowHost = rig::OnScreen;
-
-TEST_F(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
+TEST(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
   inOwnProcess([] {
     unsetenv("DISPLAY");
     const auto scanner = scannerAt("/dev/ttyUSB0");
@@ -36,7 +34,7 @@ TEST_F(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
   });
 }
 
-TEST_F(TestWindowHost, LeavesTheLocaleAlone) {
+TEST(TestWindowHost, LeavesTheLocaleAlone) {
   inOwnProcess([] {
     setenv("LC_ALL", "C.UTF-8", 1);
     visitWindow([](TestWindow&) {});
@@ -44,7 +42,7 @@ TEST_F(TestWindowHost, LeavesTheLocaleAlone) {
   });
 }
 
-TEST_F(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
+TEST(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
   inOwnProcess([] {
     setenv("LC_ALL", "C.UTF-8", 1);
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
@@ -63,7 +61,7 @@ TEST_F(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
   });
 }
 
-TEST_F(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
+TEST(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
   inOwnProcess([] {
     const rig::Program manager({"matchbox-window-manager"});
     visitWindow([](TestWindow& window) {
@@ -78,7 +76,7 @@ TEST_F(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
 }
 
 // A host may call the method again from a timer of its own, which the window's main loop runs.
-TEST_F(TestWindowHost, OpensOnlyOnce) {
+TEST(TestWindowHost, OpensOnlyOnce) {
   inOwnProcess([] {
     const auto scanner = scannerAt("/dev/ttyUSB0");
     rig::Driver driver;
@@ -90,7 +88,7 @@ TEST_F(TestWindowHost, OpensOnlyOnce) {
   });
 }
 
-TEST_F(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
+TEST(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
   inOwnProcess([] {
     const auto scanner = scannerAt("/dev/ttyUSB0");
     visitWindow([&](TestWindow& window) {
@@ -105,7 +103,7 @@ TEST_F(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
 }
 
 // The host's port lies behind a gap in the numbers, where the window does not listen.
-TEST_F(TestWindowHost, LeavesAPortOfTheHostAlone) {
+TEST(TestWindowHost, LeavesAPortOfTheHostAlone) {
   inOwnProcess([] {
     const auto hostScanner = scannerAt("/dev/ttyUSB1");
     rig::Driver driver;
@@ -121,7 +119,7 @@ TEST_F(TestWindowHost, LeavesAPortOfTheHostAlone) {
   });
 }
 
-TEST_F(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
+TEST(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
   inOwnProcess([] {
     rig::XServer& server = rig::sharedXServer();
     rig::Driver driver;
@@ -141,7 +139,7 @@ TEST_F(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
 }
 
 // Serial ports with no chip behind them: readable at once, and forever, with nothing to be read.
-TEST_F(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
+TEST(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
   inOwnProcess([] {
     for (int i = 0; i < 32; ++i) {
       std::filesystem::create_symlink("/dev/null", "/dev/ttyS" + std::to_string(i));
@@ -160,7 +158,7 @@ TEST_F(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
   });
 }
 
-TEST_F(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
+TEST(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);
@@ -174,7 +172,7 @@ TEST_F(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
   });
 }
 
-TEST_F(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
+TEST(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);

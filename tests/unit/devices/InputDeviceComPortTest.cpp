@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "devices/InputDeviceComPort.h"
+#include "devices/ReadyWait.h"
 #include "devices/SerialFamilies.h"
 #include "util/Handles.h"
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "dialog/Clipboard.h"
-#include "tests/rig/Driver.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/Threads.h"
 
@@ -105,18 +104,7 @@ xcb_timestamp_t timestampOf(Requestor& requestor) {
   return time ? atomsOf(*time).at(0) : 0;
 }
 
-class Clipboard : public rig::OnScreen {
- protected:
-  static void SetUpTestSuite() {
-    OnScreen::SetUpTestSuite();
-    threadsBefore_ = rig::settledThreadCount();
-  }
-
-  // How many threads there are while no text is held.
-  inline static std::size_t threadsBefore_ = 0;
-};
-
-TEST_F(Clipboard, AnswersInEveryFormOfText) {
+TEST(Clipboard, AnswersInEveryFormOfText) {
   ASSERT_TRUE(clip::set_text("Ж é 'CR' "));
   Requestor requestor;
   const struct {
@@ -136,7 +124,7 @@ TEST_F(Clipboard, AnswersInEveryFormOfText) {
   }
 }
 
-TEST_F(Clipboard, NamesEveryFormItAnswersIn) {
+TEST(Clipboard, NamesEveryFormItAnswersIn) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const std::optional<Property> answer = requestor.ask("TARGETS");
@@ -151,13 +139,13 @@ TEST_F(Clipboard, NamesEveryFormItAnswersIn) {
   EXPECT_TRUE(std::is_permutation(named.begin(), named.end(), expected.begin(), expected.end()));
 }
 
-TEST_F(Clipboard, RefusesOtherForms) {
+TEST(Clipboard, RefusesOtherForms) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   EXPECT_FALSE(requestor.ask("image/png"));
 }
 
-TEST_F(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
+TEST(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_timestamp_t since = timestampOf(requestor);
@@ -166,7 +154,7 @@ TEST_F(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
   EXPECT_FALSE(requestor.ask("UTF8_STRING", since - 1));
 }
 
-TEST_F(Clipboard, AnswersSeveralRequestsInOne) {
+TEST(Clipboard, AnswersSeveralRequestsInOne) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_atom_t list = requestor.atom("LIST");
@@ -183,7 +171,7 @@ TEST_F(Clipboard, AnswersSeveralRequestsInOne) {
             (std::vector<xcb_atom_t>{utf8, one, image, XCB_NONE}));
 }
 
-TEST_F(Clipboard, RefusesSeveralRequestsWithoutAList) {
+TEST(Clipboard, RefusesSeveralRequestsWithoutAList) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   EXPECT_FALSE(requestor.request(requestor.atom("MULTIPLE"), requestor.atom("NO LIST")));
@@ -191,7 +179,7 @@ TEST_F(Clipboard, RefusesSeveralRequestsWithoutAList) {
 }
 
 // Programs older than the conventions.
-TEST_F(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
+TEST(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_atom_t utf8 = requestor.atom("UTF8_STRING");
@@ -199,32 +187,32 @@ TEST_F(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
   EXPECT_EQ(requestor.read(utf8).value().bytes, "text");
 }
 
-TEST_F(Clipboard, HoldsTheLatestTextOnly) {
+TEST(Clipboard, HoldsTheLatestTextOnly) {
   ASSERT_TRUE(clip::set_text("first"));
+  const std::size_t threads = rig::threads().size();
   ASSERT_TRUE(clip::set_text(""));
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "");
   ASSERT_TRUE(clip::set_text("last"));
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "last");
-  rig::await("the end of all threads but the last text's",
-             [] { return rig::threadCount() == threadsBefore_ + 1; });
+  rig::await("one thread only", [&] { return rig::threads().size() == threads; });
 }
 
-TEST_F(Clipboard, OutlivesARequestorThatVanishes) {
+TEST(Clipboard, OutlivesARequestorThatVanishes) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor().askAndVanish();
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
 }
 
-TEST_F(Clipboard, KeepsTheTextWhereAnotherDoesNotFit) {
+TEST(Clipboard, KeepsTheTextWhereAnotherDoesNotFit) {
   ASSERT_TRUE(clip::set_text("text"));
   EXPECT_FALSE(clip::set_text(std::string(64 << 20, 'x')));
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
 }
 
-TEST_F(Clipboard, RefusesWithoutADisplay) {
+TEST(Clipboard, RefusesWithoutADisplay) {
   setenv("DISPLAY", ":9999", 1);
   EXPECT_FALSE(clip::set_text("text"));
   setenv("DISPLAY", rig::sharedXServer().display().c_str(), 1);

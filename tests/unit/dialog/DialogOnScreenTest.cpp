@@ -20,8 +20,12 @@ using rig::Row;
 using rig::TestWindow;
 using testing::ElementsAre;
 
-using DialogOnScreen = rig::OnScreen;
-using Gtk = rig::OnScreen;
+class DialogOnScreen : public testing::Test {
+ protected:
+  // To name the server of all tests is what starts it.
+  const rig::XServer& server_ = rig::sharedXServer();
+};
+using Gtk = DialogOnScreen;
 
 std::vector<Row> rowsOfOneScan(unsigned dataType) {
   std::vector<Row> rows;

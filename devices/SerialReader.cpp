@@ -1,0 +1,96 @@
+#include "devices/SerialReader.h"
+
+#include <exception>
+#include <new>
+
+#include "devices/SerialFamilies.h"
+#include "util/Base64.h"
+#include "util/CodePages.h"
+#include "util/PosixThread.h"
+#include "util/Text.h"
+
+namespace quorvel {
+namespace {
+
+constexpr std::chrono::milliseconds kLongestLeave{1000};
+
+}  // namespace
+
+SerialReader::SerialReader(const InputDeviceComPortFactory& factory, const DataCallback& callback)
+    : factory_(factory),
+      callback_(callback),
+      callbackMask_(SignalMask::current()),
+      suffix_(wstr2str(factory.suffix)),
+      port_(devicePathOf(factory.port), factory.speed,
+            factory.forTestWindow ? SerialPort::Owner::kTestWindow : SerialPort::Owner::kHost) {}
+
+void SerialReader::stop() {
+  running_ = false;
+  port_.wake();
+}
+
+void SerialReader::run() {
+  while (running_) {
+    if (port_.waitForData()) dropExceptions([this] { readPass(); });
+  }
+}
+
+void SerialReader::readPass() {
+  message_.clear();
+  while (!hasToLeave()) {
+    char byte;
+    switch (port_.read(byte)) {
+      case SerialPort::Read::kGone:
+        return;
+      case SerialPort::Read::kNothingYet:
+        if (suffix_.empty() && !message_.empty()) deliver(0);
+        return;
+      case SerialPort::Read::kByte:
+        break;
+    }
+    if (endsMessage(byte)) {
+      // The other bytes of the suffix are cut off without comparing: a scanner always sends them.
+      if (!message_.empty()) deliver(suffix_.size() - 1);
+      return;
+    }
+    message_.append(byte);
+  }
+}
+
+bool SerialReader::hasToLeave() {
+  if (running_) return false;
+  const auto now = std::chrono::steady_clock::now();
+  if (!leaveBy_) leaveBy_ = now + kLongestLeave;
+  return now > *leaveBy_;
+}
+
+void SerialReader::deliver(std::size_t cut) {
+  if (!message_.cutTail(cut)) return;
+  const std::wstring data = ConvertMbsToWcs(raw2Base64(message_.bytes()), factory_.comEncoding);
+  const ScopedSignalMask hosts(callbackMask_);
+  callback_(data);
+}
+
+void SerialReader::Message::clear() {
+  bytes_.clear();
+  incomplete_ = false;
+}
+
+void SerialReader::Message::append(char byte) {
+  if (incomplete_) return;
+  try {
+    bytes_ += byte;
+  } catch (const std::exception&) {
+    // No memory. The rest up to the end byte must not pass for a message of its own.
+    bytes_ = {};
+    incomplete_ = true;
+  }
+}
+
+bool SerialReader::Message::cutTail(std::size_t count) {
+  if (incomplete_ || bytes_.size() < count) return false;
+  bytes_.resize(bytes_.size() - count);
+  return true;
+}
+
+}  // namespace quorvel

@@ -1,1 +1,0 @@
-// Nothing: a target with precompiled headers needs a source file.
