@@ -7,6 +7,9 @@
 namespace quorvel {
 namespace {
 
+// Short enough not to be noticed by somebody who waits to scan.
+constexpr std::chrono::milliseconds kRetryInterval{500};
+
 // Cleaned names are ASCII, so the low bytes are the name. It ends at a zero, as the server's names
 // do.
 std::string lowBytes(const std::wstring& text) {
@@ -19,9 +22,9 @@ std::string lowBytes(const std::wstring& text) {
   return bytes;
 }
 
-// The id of the device with this name: the last one when there are several, -1 without one.
-int findDevice(const XConnection& connection, const std::string& name) {
-  int id = -1;
+// The id of the device with this name, the last one when there are several.
+std::optional<int> findDevice(const XConnection& connection, const std::string& name) {
+  std::optional<int> id;
   for (const XInputDevice& device : listXInputDevices(connection)) {
     if (device.name == name) id = device.id;
   }
@@ -55,14 +58,15 @@ KeyboardClaim::KeyboardClaim(const XConnection& connection,
 bool KeyboardClaim::take() {
   if (inputExtension_ == 0) return false;
   deviceId_ = findDevice(connection_, name_);
-  return deviceId_ != -1 && subscribe();
+  held_ = deviceId_ && subscribe();
+  return held_;
 }
 
 bool KeyboardClaim::subscribe() const {
   unsigned char bits[XIMaskLen(XI_KeyRelease)] = {};
   XISetMask(bits, XI_KeyPress);
   XISetMask(bits, XI_KeyRelease);
-  XIEventMask mask{.deviceid = deviceId_, .mask_len = sizeof(bits), .mask = bits};
+  XIEventMask mask{.deviceid = *deviceId_, .mask_len = sizeof(bits), .mask = bits};
   int status = BadImplementation;
   connection_.call([&](Display* display) {
     const Window root = DefaultRootWindow(display);
@@ -71,7 +75,7 @@ bool KeyboardClaim::subscribe() const {
       // Listening begins when the server has taken the request, not when it is sent.
       XSync(display, False);
     } else {
-      status = XIGrabDevice(display, deviceId_, root, CurrentTime, None, XIGrabModeAsync,
+      status = XIGrabDevice(display, *deviceId_, root, CurrentTime, None, XIGrabModeAsync,
                             XIGrabModeAsync, False, &mask);
     }
   });
@@ -82,11 +86,56 @@ bool KeyboardClaim::subscribe() const {
 void KeyboardClaim::release() {
   // X servers crash when a device is ungrabbed that is switched off, as all are while another
   // virtual terminal is in front.
-  if (!isXInputDeviceEnabled(connection_, deviceId_)) return;
+  if (!held_ || !isXInputDeviceEnabled(connection_, *deviceId_)) return;
   connection_.call([this](Display* display) {
-    XIUngrabDevice(display, deviceId_, CurrentTime);
+    XIUngrabDevice(display, *deviceId_, CurrentTime);
     XFlush(display);
   });
+  held_ = false;
+}
+
+bool KeyboardClaim::handle(const XIHierarchyEvent& event) {
+  constexpr int kRemoved = XISlaveRemoved | XIMasterRemoved;
+  const std::optional<int> before = deviceId_;
+  bool interrupted = false;
+  for (int i = 0; i < event.num_info; ++i) {
+    const XIHierarchyInfo& device = event.info[i];
+    if (device.deviceid != before) continue;
+    if (device.flags & kRemoved) deviceId_.reset();
+    // A device that was switched off keeps what clients have asked for, as a rule.
+    if (device.flags & (kRemoved | XIDeviceEnabled)) held_ = false;
+    interrupted = device.flags & (kRemoved | XIDeviceEnabled | XIDeviceDisabled);
+  }
+  regain();
+  return interrupted || deviceId_ != before;
+}
+
+// After a return, several devices of the name may appear one by one, as those of one scanner do;
+// the one that would be opened is the last. Which of them is the right one shows when it types.
+void KeyboardClaim::regain() {
+  searching_ = true;
+  if (!deviceId_) settled_ = false;
+  if (!settled_) {
+    const std::optional<int> found = findDevice(connection_, name_);
+    if (found != deviceId_) {
+      release();
+      held_ = false;
+    }
+    deviceId_ = found;
+  }
+  if (!held_) held_ = deviceId_ && subscribe();
+  searching_ = false;
+}
+
+std::optional<std::chrono::milliseconds> KeyboardClaim::retryInterval() const {
+  const bool isRefused = deviceId_ && !held_;
+  return isRefused || searching_ ? std::optional(kRetryInterval) : std::nullopt;
+}
+
+bool KeyboardClaim::acceptsKeyOf(int deviceId) {
+  if (deviceId != deviceId_) return false;
+  settled_ = true;
+  return true;
 }
 
 }  // namespace quorvel

@@ -59,23 +59,33 @@ bool KeyboardReader::nextEvent(XEvent& event) const {
   return taken;
 }
 
-// Without a timeout: waking up every millisecond to look at the flag would cost more than a
-// hundredth of a core for as long as the host runs.
-void KeyboardReader::waitForInput() const {
+// Without a timeout, as a rule: waking up every millisecond to look at the flag would cost more
+// than a hundredth of a core for as long as the host runs.
+void KeyboardReader::waitForInput() {
   if (connection_.lost()) return;
   pollfd waits[] = {{.fd = ConnectionNumber(connection_.get()), .events = POLLIN, .revents = 0},
                     {.fd = stop_.get(), .events = POLLIN, .revents = 0}};
-  poll(waits, std::size(waits), -1);
+  const auto retryInterval = keyboard_->retryInterval();
+  const int timeout = retryInterval ? static_cast<int>(retryInterval->count()) : -1;
+  if (poll(waits, std::size(waits), timeout) == 0) keyboard_->retry();
 }
 
 void KeyboardReader::handle(XEvent& event) {
   const XEventData data(connection_, event);
   const int inputExtension = keyboard_->inputExtension();
   if (const auto* key = data.as<XIDeviceEvent>(inputExtension, XI_KeyPress)) {
-    handleKey(*key);
+    if (keyboard_->acceptsKeyOf(key->deviceid)) handleKey(*key);
   } else if (!data.as<XIDeviceEvent>(inputExtension, XI_KeyRelease)) {
+    const auto* change = data.as<XIHierarchyEvent>(inputExtension, XI_HierarchyChanged);
     focus_->handle(event);
+    if (change) handleHierarchy(*change);
   }
+}
+
+void KeyboardReader::handleHierarchy(const XIHierarchyEvent& change) {
+  bool interrupted = true;
+  dropExceptions([&] { interrupted = keyboard_->handle(change); });
+  if (interrupted) message_->drop();
 }
 
 void KeyboardReader::handleKey(const XIDeviceEvent& key) {

@@ -39,9 +39,11 @@ class KeyboardReader {
   void readOnce();
   // The next event that the server has sent; false when there is none, or the connection is lost.
   bool nextEvent(XEvent& event) const;
-  // Waits for something to read from the display connection, or for stop().
-  void waitForInput() const;
+  // Waits for something to read from the display connection, for stop(), or for the time to try
+  // again to grab the keyboard.
+  void waitForInput();
   void handle(XEvent& event);
+  void handleHierarchy(const XIHierarchyEvent& change);
   void handleKey(const XIDeviceEvent& key);
   void deliver(const std::string& message) const;
 

@@ -2,9 +2,11 @@
 
 #include <X11/Xatom.h>
 #include <X11/extensions/XInput2.h>
+#include <X11/extensions/XTest.h>
 #include <poll.h>
 
 #include <stdexcept>
+#include <vector>
 
 namespace rig {
 namespace {
@@ -14,6 +16,22 @@ struct DeviceInfoFreer {
   void operator()(XIDeviceInfo* info) const { XIFreeDeviceInfo(info); }
 };
 using DeviceInfo = std::unique_ptr<XIDeviceInfo[], DeviceInfoFreer>;
+
+// Types on the keyboard that is paired with the client's pointer.
+class XTestKeyboard : public terminal::VirtualKeyboard {
+ public:
+  explicit XTestKeyboard(Display* display) : display_(display) {}
+  void press(terminal::Key key) override { send(key, True); }
+  void release(terminal::Key key) override { send(key, False); }
+
+ private:
+  void send(terminal::Key key, Bool down) {
+    XTestFakeKeyEvent(display_, static_cast<unsigned>(key), down, CurrentTime);
+    XSync(display_, False);
+  }
+
+  Display* display_;
+};
 
 }  // namespace
 
@@ -90,14 +108,20 @@ std::optional<terminal::Key> XClient::takeKey(std::chrono::milliseconds patience
 }
 
 int XClient::device(const std::string& name) {
+  const std::vector<int> found = devices(name);
+  if (found.empty()) throw std::runtime_error("the X server has no device " + name);
+  return found.front();
+}
+
+std::vector<int> XClient::devices(const std::string& name) {
   int count = 0;
-  const DeviceInfo devices(XIQueryDevice(get(), XIAllDevices, &count));
+  const DeviceInfo all(XIQueryDevice(get(), XIAllDevices, &count));
+  std::vector<int> found;
   for (int i = 0; i < count; ++i) {
-    if (devices[static_cast<std::size_t>(i)].name == name) {
-      return devices[static_cast<std::size_t>(i)].deviceid;
-    }
+    const XIDeviceInfo& device = all[static_cast<std::size_t>(i)];
+    if (device.name == name) found.push_back(device.deviceid);
   }
-  throw std::runtime_error("the X server has no device " + name);
+  return found;
 }
 
 bool XClient::grab(int device) {
@@ -118,6 +142,12 @@ void XClient::setEnabled(int device, bool enabled) {
   XIChangeProperty(get(), device, XInternAtom(get(), "Device Enabled", False), XA_INTEGER, 8,
                    PropModeReplace, &value, 1);
   XSync(get(), False);
+}
+
+terminal::VirtualKeyboard& XClient::xTestKeyboardOf(const std::string& master) {
+  XISetClientPointer(get(), None, device(master + " pointer"));
+  if (!xTestKeyboard_) xTestKeyboard_ = std::make_unique<XTestKeyboard>(get());
+  return *xTestKeyboard_;
 }
 
 void XClient::addMaster(const std::string& name) {

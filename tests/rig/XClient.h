@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/common/KeyTyping.h"
 
@@ -48,14 +49,21 @@ class XClient {
   // The next key that one of the windows got; none when there is none within the time.
   std::optional<terminal::Key> takeKey(std::chrono::milliseconds patience);
 
-  // The number of the input device of this name, as the server has it.
+  // The number of the input device of this name, as the server has it; of several, the first.
   int device(const std::string& name);
+
+  // The numbers of all devices of this name, in the server's order.
+  std::vector<int> devices(const std::string& name);
 
   // Takes a keyboard for this client alone. False when somebody else has it.
   bool grab(int device);
   void ungrab(int device);
 
   void setEnabled(int device, bool enabled);
+
+  // The keyboard that the server's XTEST extension adds to a master, as "NAME XTEST keyboard". It
+  // types while this client lives and the master is there, and one at a time.
+  terminal::VirtualKeyboard& xTestKeyboardOf(const std::string& master);
 
   // A second pair of pointer and keyboard, to be removed again with its devices.
   void addMaster(const std::string& name);
@@ -66,6 +74,7 @@ class XClient {
     void operator()(Display* display) const { XCloseDisplay(display); }
   };
   std::unique_ptr<Display, Closer> display_;
+  std::unique_ptr<terminal::VirtualKeyboard> xTestKeyboard_;
 };
 
 }  // namespace rig

@@ -106,6 +106,11 @@ terminal::VirtualKeyboard& XServer::keyboard(std::size_t index) {
   return *connection;
 }
 
+void XServer::reconnectKeyboard(std::size_t index) {
+  connected_.erase(index);
+  keyboard(index);
+}
+
 std::string XServer::keyboardSocket(std::size_t index) const {
   return directory_ / ("keyboard" + std::to_string(index));
 }

@@ -33,6 +33,9 @@ class XServer {
   // then on until the server ends: the driver expects no less.
   terminal::VirtualKeyboard& keyboard(std::size_t index);
 
+  // Connects again to a keyboard that was switched off and on: the driver has ended the connection.
+  void reconnectKeyboard(std::size_t index);
+
   // The socket of that keyboard, for another program to connect to instead.
   std::string keyboardSocket(std::size_t index) const;
 

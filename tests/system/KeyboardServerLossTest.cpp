@@ -1,6 +1,7 @@
 // An X server that dies at any request the driver makes must not take the host with it.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,6 +20,8 @@ using rig::Driver;
 using rig::XProxy;
 using terminal::Component;
 using terminal::type;
+
+constexpr std::chrono::milliseconds kMoment{1};
 
 // What a test does with a driver whose X server is about to die.
 using Operation = std::function<void(std::unique_ptr<Driver>&, XProxy&)>;
@@ -117,7 +120,26 @@ TEST_F(KeyboardServerLossTest, WhileKeysAreRead) {
     type(server_.keyboard(0), "1\r");
     std::optional<terminal::Event> event;
     rig::await("the scan or the server's end", [&] {
-      event = driver->component.events().take(std::chrono::milliseconds(1));
+      event = driver->component.events().take(kMoment);
+      return event || proxy.isDead();
+    });
+    EXPECT_TRUE(driver->component.close(u"InputDevice#1"));
+  });
+}
+
+TEST_F(KeyboardServerLossTest, WhileAKeyboardComesBack) {
+  rig::XClient client(server_.display());
+  client.addMaster("Plugged");
+  const auto openPlugged = [](std::unique_ptr<Driver>& driver, XProxy&) {
+    driver->openKeyboard(u"Plugged XTEST keyboard");
+  };
+  dieAtEveryRequest(openPlugged, [&](std::unique_ptr<Driver>& driver, XProxy& proxy) {
+    client.removeMaster(client.device("Plugged keyboard"));
+    client.addMaster("Plugged");
+    std::optional<terminal::Event> event;
+    rig::await("a scan or the server's end", [&] {
+      type(client.xTestKeyboardOf("Plugged"), "1\r");
+      event = driver->component.events().take(kMoment);
       return event || proxy.isDead();
     });
     EXPECT_TRUE(driver->component.close(u"InputDevice#1"));

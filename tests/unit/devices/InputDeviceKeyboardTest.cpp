@@ -2,10 +2,7 @@
 #include <pthread.h>
 
 #include <chrono>
-#include <condition_variable>
 #include <csignal>
-#include <deque>
-#include <mutex>
 #include <stdexcept>
 
 #include "devices/InputDeviceKeyboard.h"
@@ -13,7 +10,7 @@
 #include "tests/rig/Patience.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
-#include "util/Base64.h"
+#include "tests/unit/devices/Messages.h"
 
 namespace quorvel {
 namespace {
@@ -23,38 +20,6 @@ using terminal::Key;
 using terminal::strokeFor;
 using terminal::tap;
 using terminal::type;
-
-// The messages of a device, decoded.
-class Messages {
- public:
-  DataCallback callback() {
-    return [this](const std::wstring& data) {
-      const std::lock_guard lock(mutex_);
-      messages_.push_back(base642Raw(data));
-      arrived_.notify_one();
-    };
-  }
-
-  std::wstring take() {
-    std::unique_lock lock(mutex_);
-    if (!arrived_.wait_for(lock, kPatience, [this] { return !messages_.empty(); })) {
-      throw std::runtime_error("no message came");
-    }
-    const std::wstring message = messages_.front();
-    messages_.pop_front();
-    return message;
-  }
-
-  std::size_t count() {
-    const std::lock_guard lock(mutex_);
-    return messages_.size();
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable arrived_;
-  std::deque<std::wstring> messages_;
-};
 
 class InputDeviceKeyboardTest : public testing::Test {
  protected:
