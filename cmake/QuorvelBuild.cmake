@@ -27,6 +27,9 @@ target_compile_options(quorvel_build INTERFACE
 if(QUORVEL_WERROR)
   target_compile_options(quorvel_build INTERFACE -Werror)
 endif()
+# A target sets this property where compiling takes longer than running; fortified functions need
+# optimization.
+set(unoptimized "$<BOOL:$<TARGET_PROPERTY:QUORVEL_UNOPTIMIZED>>")
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_build INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -36,7 +39,8 @@ if(QUORVEL_SANITIZE)
   endif()
 else()
   # Fortified functions and sanitizers intercept the same calls: one or the other.
-  target_compile_options(quorvel_build INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  target_compile_options(quorvel_build INTERFACE
+    "$<IF:${unoptimized},-O0,-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
 target_link_libraries(quorvel_build INTERFACE Threads::Threads)
 

@@ -3,9 +3,8 @@
 # cmake -D ROOT=source-folder -P Floors.cmake
 cmake_minimum_required(VERSION 3.25)
 
-# The folders that are looked at, and the folders from which each may include. The rooms of the
-# product stand in their order, lowest first.
-set(folders host util devices parameters dialog performer addin tools tests/rig tests/system)
+# The rooms of the product, lowest first, and the rooms that each may include.
+set(rooms host util devices parameters dialog performer addin)
 set(host_may host)
 set(util_may ${host_may} util)
 set(devices_may ${util_may} devices)
@@ -13,26 +12,34 @@ set(parameters_may ${devices_may} parameters)
 set(dialog_may ${devices_may} dialog)
 set(performer_may ${devices_may} parameters dialog performer)
 set(addin_may ${performer_may} addin)
-# What stands outside sees the component through the host's interfaces only.
-set(tools_may host tools)
-set(tests/rig_may host tools tests/rig)
-set(tests/system_may host tools tests/rig tests/system)
 
-# The settings that all components of a process share are nobody else's business.
-set(guarded_headers performer/AppSettings.h performer/KeyValue.h)
-set(guarded_headers_in performer addin)
+# What stands outside sees the component through the host's interfaces only.
+set(outside tools tests/rig tests/system)
+set(tools_may host tools)
+set(tests/rig_may ${tools_may} tests/rig)
+set(tests/system_may ${tests/rig_may} tests/system)
 
 # The owners of C handles need nothing of the component, and serve outside it as well.
 set(shared_header util/Handles.h)
-set(shared_header_in tools tests/rig)
+
+# These reach inside.
+set(inside bench fuzz)
+set(bench_may ${tests/rig_may} util bench)
+set(fuzz_may ${parameters_may} fuzz)
+foreach(room IN LISTS rooms)
+  # A test sees what its room sees, and the fixtures of the rooms below.
+  list(APPEND inside tests/unit/${room})
+  set(tests/unit/${room}_may ${tests/rig_may} ${${room}_may})
+  foreach(below IN LISTS ${room}_may)
+    list(APPEND tests/unit/${room}_may tests/unit/${below})
+  endforeach()
+endforeach()
 
 function(check_include folder file line included)
   get_filename_component(directory "${file}" DIRECTORY)
   if(included MATCHES "(^|/)\\.\\.?/")
     set(reason "goes by a relative path")
-  elseif(included IN_LIST guarded_headers AND NOT folder IN_LIST guarded_headers_in)
-    set(reason "is for ${guarded_headers_in} only")
-  elseif(included STREQUAL shared_header AND folder IN_LIST shared_header_in)
+  elseif(included STREQUAL shared_header AND folder IN_LIST outside)
     return()
   elseif(EXISTS "${ROOT}/${included}")
     foreach(allowed IN LISTS ${folder}_may)
@@ -51,7 +58,7 @@ function(check_include folder file line included)
 endfunction()
 
 set(looked_at 0)
-foreach(folder IN LISTS folders)
+foreach(folder IN LISTS rooms outside inside)
   file(GLOB_RECURSE files "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
   foreach(file IN LISTS files)
     math(EXPR looked_at "${looked_at} + 1")

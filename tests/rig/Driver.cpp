@@ -29,6 +29,7 @@ std::string libraryPath() { return fromEnvironment("QUORVEL_LIBRARY"); }
 std::string englishLibraryPath() { return fromEnvironment("QUORVEL_ENGLISH_LIBRARY"); }
 std::string hostPath() { return fromEnvironment("QUORVEL_HOST"); }
 std::string scannerPath() { return fromEnvironment("QUORVEL_SCANNER"); }
+std::string frameLinePath() { return fromEnvironment("QUORVEL_FRAME_LINE"); }
 
 Driver::Driver(const std::u16string& className, const std::string& libraryFile)
     : library(libraryFile), component(library, className) {}

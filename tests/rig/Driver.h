@@ -10,11 +10,13 @@
 
 namespace rig {
 
-// Paths of the built library and tools; the test fails without them.
+// Paths of the built library, the tools and the script that frames a line, from the environment
+// that ctest sets; without it they throw std::runtime_error.
 std::string libraryPath();
 std::string englishLibraryPath();  // the library in a process that starts English
 std::string hostPath();
 std::string scannerPath();
+std::string frameLinePath();
 
 // The library and one component of it.
 struct Driver {

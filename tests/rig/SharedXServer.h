@@ -1,5 +1,7 @@
-// One X server for all tests of a program.
+// One X server for all tests of a process.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include "tests/rig/XServer.h"
 
@@ -13,7 +15,13 @@ inline constexpr const char* kPlainKeyboard = "Plain scanner";
 inline constexpr std::size_t kAmpersandIndex = 0;
 inline constexpr std::size_t kPlainIndex = 1;
 
-// Started before the first test, ended after the last; DISPLAY names it.
+// Started by the first call, which sets DISPLAY; ended after the last test.
 XServer& sharedXServer();
+
+// A test before a screen. The server is running before a test may fork.
+class OnScreen : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { sharedXServer(); }
+};
 
 }  // namespace rig

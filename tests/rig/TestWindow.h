@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "tests/rig/Driver.h"
+#include "tests/rig/SharedXServer.h"
 #include "tools/common/SerialLine.h"
 
 namespace rig {
@@ -81,7 +82,7 @@ void visitWindow(const std::function<void(TestWindow&)>& deeds);
 std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path);
 
 // A test of the window, in a process of its own.
-class WindowTest : public testing::Test {
+class WindowTest : public OnScreen {
  protected:
   // Plugs a scanner whose scans come whole into a serial port of this path. The port is removed
   // after the next process.

@@ -14,6 +14,8 @@ using rig::scannerAt;
 using rig::TestWindow;
 using rig::visitWindow;
 
+using Copy = rig::OnScreen;
+
 // The text on the clipboard as another program gets it; this process does nothing meanwhile.
 std::string clipboard() { return rig::outputOf({"xclip", "-o", "-selection", "clipboard"}); }
 
@@ -55,7 +57,7 @@ void copyRow(const TestWindow& window, int row) {
   window.click("Копировать");
 }
 
-TEST(Copy, PutsTheSelectedTextOnTheClipboard) {
+TEST_F(Copy, PutsTheSelectedTextOnTheClipboard) {
   inRows({"first", "Второй"}, [](TestWindow& window) {
     copyRow(window, 1);
     EXPECT_EQ(clipboard(), "Второй 'CR' ");
@@ -64,7 +66,7 @@ TEST(Copy, PutsTheSelectedTextOnTheClipboard) {
   });
 }
 
-TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
+TEST_F(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
   inOwnProcess([] {
     visitRows({"scan"}, [](TestWindow& window) { copyRow(window, 0); });
     EXPECT_EQ(clipboard(), "scan 'CR' ");
@@ -72,7 +74,7 @@ TEST(Copy, StaysOnTheClipboardWhenTheWindowIsClosedAndNoMainLoopRuns) {
   });
 }
 
-TEST(Copy, DoesNothingWithoutASelection) {
+TEST_F(Copy, DoesNothingWithoutASelection) {
   const Taker taker("taken");
   inRows({"scan"}, [](TestWindow& window) {
     const std::size_t threads = rig::threadCount();
@@ -82,7 +84,7 @@ TEST(Copy, DoesNothingWithoutASelection) {
   });
 }
 
-TEST(Copy, YieldsToAnotherProgram) {
+TEST_F(Copy, YieldsToAnotherProgram) {
   inRows({"scan"}, [](TestWindow& window) {
     const std::size_t threads = rig::threadCount();
     copyRow(window, 0);
@@ -96,7 +98,7 @@ TEST(Copy, YieldsToAnotherProgram) {
   });
 }
 
-TEST(Copy, RestsWhileTheClipboardIsHeld) {
+TEST_F(Copy, RestsWhileTheClipboardIsHeld) {
   inOwnProcess([] {
     rig::Times closing;
     visitRows({"scan"}, [&](TestWindow& window) {
@@ -110,7 +112,7 @@ TEST(Copy, RestsWhileTheClipboardIsHeld) {
   });
 }
 
-TEST(Copy, OutlivesTheXServer) {
+TEST_F(Copy, OutlivesTheXServer) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);

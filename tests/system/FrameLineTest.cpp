@@ -4,9 +4,10 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <string>
 
+#include "tests/rig/Driver.h"
+#include "tests/rig/Program.h"
 #include "tools/common/SerialLine.h"
 #include "util/Handles.h"
 
@@ -28,7 +29,7 @@ class FrameLine : public testing::TestWithParam<LineSetting> {};
 TEST_P(FrameLine, MakesAnyLineFramed) {
   const SerialLine framed(LineSetting::kFramed);
   const SerialLine line(GetParam());
-  ASSERT_EQ(std::system((QUORVEL_FRAME_LINE " " + line.port()).c_str()), 0);
+  ASSERT_EQ(rig::run({rig::frameLinePath(), line.port()}).code, 0);
   const termios expected = settingOf(framed);
   const termios actual = settingOf(line);
   // What decides about input; a line that had been raw keeps its raw output.
@@ -67,8 +68,7 @@ TEST_P(FrameLineEnd, HandsOverAScanWhenItsEndHasCome) {
   SerialLine line(LineSetting::kCooked);
   const quorvel::FileDescriptor port(
       open(line.port().c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  const std::string command = QUORVEL_FRAME_LINE " --end ";
-  ASSERT_EQ(std::system((command + end.name + " " + line.port()).c_str()), 0);
+  ASSERT_EQ(rig::run({rig::frameLinePath(), "--end", end.name, line.port()}).code, 0);
   ASSERT_TRUE(line.send(end.scan + end.scan + "AB"));
   EXPECT_EQ(nextScan(port.get()), end.scan);
   EXPECT_EQ(nextScan(port.get()), end.scan);
@@ -84,9 +84,8 @@ INSTANTIATE_TEST_SUITE_P(Ends, FrameLineEnd,
 TEST(FrameLineEnd, RefusesWhatIsNoByte) {
   const SerialLine line(LineSetting::kCooked);
   const termios before = settingOf(line);
-  for (const std::string end : {"0", "128", "crlf", "''"}) {
-    const std::string command = QUORVEL_FRAME_LINE " --end " + end + " " + line.port();
-    EXPECT_NE(std::system((command + " 2>/dev/null").c_str()), 0) << end;
+  for (const char* const end : {"0", "128", "crlf", ""}) {
+    EXPECT_NE(rig::run({rig::frameLinePath(), "--end", end, line.port()}).code, 0) << end;
   }
   EXPECT_EQ(settingOf(line).c_lflag, before.c_lflag);
 }

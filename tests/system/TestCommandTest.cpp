@@ -7,8 +7,9 @@
 
 namespace {
 
-TEST(TestCommand, ShowsTheWindowUntilItIsClosed) {
-  ASSERT_FALSE(rig::sharedXServer().display().empty());
+using TestCommand = rig::OnScreen;
+
+TEST_F(TestCommand, ShowsTheWindowUntilItIsClosed) {
   const rig::Program manager({"matchbox-window-manager"});
   rig::Program host({rig::hostPath(), "--library", rig::libraryPath(), "test"});
   // Until the window is there, nothing has that title.
@@ -20,7 +21,7 @@ TEST(TestCommand, ShowsTheWindowUntilItIsClosed) {
   EXPECT_EQ(ending.errors, "");
 }
 
-TEST(TestCommand, SaysWhenThereIsNoDisplay) {
+TEST_F(TestCommand, SaysWhenThereIsNoDisplay) {
   const rig::Ending ending =
       rig::run({rig::hostPath(), "test"}, {{"DISPLAY", ""}, {"LC_ALL", "C"}});
   EXPECT_EQ(ending.code, 1);
@@ -28,7 +29,7 @@ TEST(TestCommand, SaysWhenThereIsNoDisplay) {
             "quorvel-host: there is no X display to show the window on (DISPLAY is not set)\n");
 }
 
-TEST(TestCommand, TakesNoArguments) {
+TEST_F(TestCommand, TakesNoArguments) {
   EXPECT_EQ(rig::run({rig::hostPath(), "test", "now"}).code, 2);
 }
 

@@ -21,7 +21,9 @@ using rig::visitWindow;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
+using TestWindowHost = rig::OnScreen;
+
+TEST_F(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
   inOwnProcess([] {
     unsetenv("DISPLAY");
     const auto scanner = scannerAt("/dev/ttyUSB0");
@@ -34,7 +36,7 @@ TEST(TestWindowHost, ReturnsAtOnceWithoutADisplay) {
   });
 }
 
-TEST(TestWindowHost, LeavesTheLocaleAlone) {
+TEST_F(TestWindowHost, LeavesTheLocaleAlone) {
   inOwnProcess([] {
     setenv("LC_ALL", "C.UTF-8", 1);
     visitWindow([](TestWindow&) {});
@@ -42,7 +44,7 @@ TEST(TestWindowHost, LeavesTheLocaleAlone) {
   });
 }
 
-TEST(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
+TEST_F(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
   inOwnProcess([] {
     setenv("LC_ALL", "C.UTF-8", 1);
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
@@ -61,7 +63,7 @@ TEST(TestWindowHost, OpensBesideTheWindowsOfAHostThatRunsGtk) {
   });
 }
 
-TEST(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
+TEST_F(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
   inOwnProcess([] {
     const rig::Program manager({"matchbox-window-manager"});
     visitWindow([](TestWindow& window) {
@@ -76,7 +78,7 @@ TEST(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
 }
 
 // A host may call the method again from a timer of its own, which the window's main loop runs.
-TEST(TestWindowHost, OpensOnlyOnce) {
+TEST_F(TestWindowHost, OpensOnlyOnce) {
   inOwnProcess([] {
     const auto scanner = scannerAt("/dev/ttyUSB0");
     rig::Driver driver;
@@ -88,7 +90,7 @@ TEST(TestWindowHost, OpensOnlyOnce) {
   });
 }
 
-TEST(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
+TEST_F(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
   inOwnProcess([] {
     const auto scanner = scannerAt("/dev/ttyUSB0");
     visitWindow([&](TestWindow& window) {
@@ -103,7 +105,7 @@ TEST(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
 }
 
 // The host's port lies behind a gap in the numbers, where the window does not listen.
-TEST(TestWindowHost, LeavesAPortOfTheHostAlone) {
+TEST_F(TestWindowHost, LeavesAPortOfTheHostAlone) {
   inOwnProcess([] {
     const auto hostScanner = scannerAt("/dev/ttyUSB1");
     rig::Driver driver;
@@ -119,7 +121,7 @@ TEST(TestWindowHost, LeavesAPortOfTheHostAlone) {
   });
 }
 
-TEST(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
+TEST_F(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
   inOwnProcess([] {
     rig::XServer& server = rig::sharedXServer();
     rig::Driver driver;
@@ -139,7 +141,7 @@ TEST(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
 }
 
 // Serial ports with no chip behind them: readable at once, and forever, with nothing to be read.
-TEST(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
+TEST_F(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
   inOwnProcess([] {
     for (int i = 0; i < 32; ++i) {
       std::filesystem::create_symlink("/dev/null", "/dev/ttyS" + std::to_string(i));
@@ -158,7 +160,7 @@ TEST(TestWindowHost, RestsAndClosesInAStepWithManyDeadPorts) {
   });
 }
 
-TEST(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
+TEST_F(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);
@@ -172,7 +174,7 @@ TEST(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
   });
 }
 
-TEST(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
+TEST_F(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
   inOwnProcess([] {
     rig::XServer server({"Scanner"});
     setenv("DISPLAY", server.display().c_str(), 1);

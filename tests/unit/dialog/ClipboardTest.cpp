@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "dialog/Clipboard.h"
+#include "tests/rig/Driver.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/Threads.h"
 
@@ -104,7 +105,18 @@ xcb_timestamp_t timestampOf(Requestor& requestor) {
   return time ? atomsOf(*time).at(0) : 0;
 }
 
-TEST(Clipboard, AnswersInEveryFormOfText) {
+class Clipboard : public rig::OnScreen {
+ protected:
+  static void SetUpTestSuite() {
+    OnScreen::SetUpTestSuite();
+    threadsBefore_ = rig::settledThreadCount();
+  }
+
+  // How many threads there are while no text is held.
+  inline static std::size_t threadsBefore_ = 0;
+};
+
+TEST_F(Clipboard, AnswersInEveryFormOfText) {
   ASSERT_TRUE(clip::set_text("Ж é 'CR' "));
   Requestor requestor;
   const struct {
@@ -124,7 +136,7 @@ TEST(Clipboard, AnswersInEveryFormOfText) {
   }
 }
 
-TEST(Clipboard, NamesEveryFormItAnswersIn) {
+TEST_F(Clipboard, NamesEveryFormItAnswersIn) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const std::optional<Property> answer = requestor.ask("TARGETS");
@@ -139,13 +151,13 @@ TEST(Clipboard, NamesEveryFormItAnswersIn) {
   EXPECT_TRUE(std::is_permutation(named.begin(), named.end(), expected.begin(), expected.end()));
 }
 
-TEST(Clipboard, RefusesOtherForms) {
+TEST_F(Clipboard, RefusesOtherForms) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   EXPECT_FALSE(requestor.ask("image/png"));
 }
 
-TEST(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
+TEST_F(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_timestamp_t since = timestampOf(requestor);
@@ -154,7 +166,7 @@ TEST(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
   EXPECT_FALSE(requestor.ask("UTF8_STRING", since - 1));
 }
 
-TEST(Clipboard, AnswersSeveralRequestsInOne) {
+TEST_F(Clipboard, AnswersSeveralRequestsInOne) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_atom_t list = requestor.atom("LIST");
@@ -171,7 +183,7 @@ TEST(Clipboard, AnswersSeveralRequestsInOne) {
             (std::vector<xcb_atom_t>{utf8, one, image, XCB_NONE}));
 }
 
-TEST(Clipboard, RefusesSeveralRequestsWithoutAList) {
+TEST_F(Clipboard, RefusesSeveralRequestsWithoutAList) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   EXPECT_FALSE(requestor.request(requestor.atom("MULTIPLE"), requestor.atom("NO LIST")));
@@ -179,7 +191,7 @@ TEST(Clipboard, RefusesSeveralRequestsWithoutAList) {
 }
 
 // Programs older than the conventions.
-TEST(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
+TEST_F(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_atom_t utf8 = requestor.atom("UTF8_STRING");
@@ -187,32 +199,32 @@ TEST(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
   EXPECT_EQ(requestor.read(utf8).value().bytes, "text");
 }
 
-TEST(Clipboard, HoldsTheLatestTextOnly) {
+TEST_F(Clipboard, HoldsTheLatestTextOnly) {
   ASSERT_TRUE(clip::set_text("first"));
-  const std::size_t threads = rig::threads().size();
   ASSERT_TRUE(clip::set_text(""));
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "");
   ASSERT_TRUE(clip::set_text("last"));
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "last");
-  rig::await("one thread only", [&] { return rig::threads().size() == threads; });
+  rig::await("the end of all threads but the last text's",
+             [] { return rig::threadCount() == threadsBefore_ + 1; });
 }
 
-TEST(Clipboard, OutlivesARequestorThatVanishes) {
+TEST_F(Clipboard, OutlivesARequestorThatVanishes) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor().askAndVanish();
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
 }
 
-TEST(Clipboard, KeepsTheTextWhereAnotherDoesNotFit) {
+TEST_F(Clipboard, KeepsTheTextWhereAnotherDoesNotFit) {
   ASSERT_TRUE(clip::set_text("text"));
   EXPECT_FALSE(clip::set_text(std::string(64 << 20, 'x')));
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
 }
 
-TEST(Clipboard, RefusesWithoutADisplay) {
+TEST_F(Clipboard, RefusesWithoutADisplay) {
   setenv("DISPLAY", ":9999", 1);
   EXPECT_FALSE(clip::set_text("text"));
   setenv("DISPLAY", rig::sharedXServer().display().c_str(), 1);

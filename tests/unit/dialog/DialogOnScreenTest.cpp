@@ -20,12 +20,8 @@ using rig::Row;
 using rig::TestWindow;
 using testing::ElementsAre;
 
-class DialogOnScreen : public testing::Test {
- protected:
-  // To name the server of all tests is what starts it.
-  const rig::XServer& server_ = rig::sharedXServer();
-};
-using Gtk = DialogOnScreen;
+using DialogOnScreen = rig::OnScreen;
+using Gtk = rig::OnScreen;
 
 std::vector<Row> rowsOfOneScan(unsigned dataType) {
   std::vector<Row> rows;

@@ -1,0 +1,1 @@
+// Nothing: a target with precompiled headers needs a source file.
