@@ -136,6 +136,54 @@ TEST(ListenCommand, SaysWhenTheDeviceGoes) {
   }
 }
 
+// The component's own text: a process starts Russian. Beneath it stands what it does not tell.
+const std::string kComponentText =
+    "quorvel-host: Ошибка подключения. Проверьте доступность устройства.\n";
+
+TEST(ListenCommand, SaysWhyThePortDoesNotOpen) {
+  const Ending english = rig::run(listenWords({"--port", "129"}), kEnglish);
+  EXPECT_EQ(english.code, 1);
+  EXPECT_THAT(english.errors,
+              StartsWith(kComponentText + "port-missing: there is no /dev/ttyUSB0"));
+  const Ending russian = rig::run(listenWords({"--port", "129"}), kRussian);
+  EXPECT_THAT(russian.errors, StartsWith(kComponentText + "port-missing: на этой машине нет"));
+}
+
+TEST(ListenCommand, RefusesWhatIsNotALine) {
+  fs::create_symlink("null", "/dev/ttyUSB0");
+  const Ending ending = rig::run(listenWords({"--port", "129"}), kEnglish);
+  fs::remove("/dev/ttyUSB0");
+  EXPECT_EQ(ending.code, 1);
+  EXPECT_THAT(ending.errors, StartsWith(kComponentText + "not-a-line: /dev/ttyUSB0"));
+}
+
+TEST(ListenCommand, WarnsOfWhatMayKeepScansFromArriving) {
+  SerialLine line(LineSetting::kCooked);
+  line.link("/dev/ttyUSB0");
+  Program other({"cat", "/dev/ttyUSB0"});
+  line.send("1\n");
+  other.line();
+  Program host(listenWords({"--port", "129", "--set", "Speed=1"}), kEnglish);
+  for (const char* warning :
+       {"warning: /dev/ttyUSB0 is also read by cat", "warning: the line /dev/ttyUSB0 is cooked",
+        "warning: the driver knows no speed 1 ", "listening"}) {
+    EXPECT_THAT(host.errorLine(), StartsWith(warning));
+  }
+  const Ending ending = rig::run({"stty", "-F", "/dev/ttyUSB0", "raw"});
+  Program second(listenWords({"--port", "129"}), kRussian);
+  second.errorLine();
+  EXPECT_THAT(second.errorLine(), StartsWith("внимание: /dev/ttyUSB0 читает ещё и quorvel-host"));
+  EXPECT_THAT(second.errorLine(), StartsWith("внимание: линия без сборки (raw)"));
+}
+
+TEST(ListenCommand, HintsAtDoctorAfterASilence) {
+  const Scanner scanner;
+  Program host(listenWords({"--port", "129"}), kEnglish);
+  host.errorLine();
+  EXPECT_EQ(host.errorLine(),
+            "nothing has come yet; to find out why: quorvel-host doctor --port 129");
+}
+
 TEST(ListenCommand, NothingOfAScanDrivesTheTerminal) {
   Scanner scanner;
   Program host(listenWords({"--port", "129", "--count", "1"}), kEnglish);

@@ -18,6 +18,12 @@ int runListen(ComponentLibrary& library, const Arguments& arguments);
 // The parameters that --set knows, as the component's form has them.
 void printParameters(ComponentLibrary& library);
 
+extern const Text kListHelp;
+int runList(const Arguments& arguments);
+
+extern const Text kDoctorHelp;
+int runDoctor(ComponentLibrary& library, const Arguments& arguments);
+
 extern const Text kTestHelp;
 int runTest(ComponentLibrary& library, const Arguments& arguments);
 

@@ -1,16 +1,16 @@
 #include <poll.h>
 
-#include <iostream>
+#include <chrono>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include "tools/common/EndSignals.h"
 #include "tools/common/HostText.h"
-#include "tools/common/VisibleText.h"
 #include "tools/host/Commands.h"
 #include "tools/host/DeviceOptions.h"
-#include "tools/host/DevicePresence.h"
 #include "tools/host/EventPrinter.h"
-#include "tools/host/PortFile.h"
+#include "tools/host/ListenNotices.h"
 
 namespace terminal {
 namespace {
@@ -18,8 +18,6 @@ namespace {
 constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kListening = {"listening as ", "слушаю, устройство "};
 constexpr Text kUntil = {"; Ctrl-C ends", "; Ctrl-C — закончить"};
-constexpr Text kGone = {"the device has gone: ", "устройство отключено: "};
-constexpr Text kBack = {"the device is back: ", "устройство снова подключено: "};
 
 struct ListenOptions {
   DeviceOptions device;
@@ -45,37 +43,11 @@ ListenOptions listenOptionsFrom(const Arguments& arguments) {
   return listen;
 }
 
-void tell(const std::string& message) { std::cerr << visible(message) << std::endl; }
-
-// Tells the user when the device goes and when it is back.
-class PresenceTeller {
- public:
-  explicit PresenceTeller(const DeviceOptions& device)
-      : name_(device.port ? portFile(*device.port) : *device.keyboard),
-        presence_(device.port ? presenceOfPort(*device.port)
-                              : presenceOfKeyboard(*device.keyboard)) {}
-
-  // Takes the device as it is now for the one that was opened.
-  void begin() { identity_ = presence_->identity(); }
-
-  void look() {
-    const std::string identity = presence_->identity();
-    if (identity == identity_) return;
-    if (!identity_.empty()) tell(say(kGone) + name_);
-    if (!identity.empty()) tell(say(kBack) + name_);
-    identity_ = identity;
-  }
-
- private:
-  const std::string name_;
-  const std::unique_ptr<DevicePresence> presence_;
-  std::string identity_;
-};
-
 // Prints events until `count` are out or a signal asks for the end.
 void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTeller& presence,
                    const EndSignals& end) {
   constexpr int kBetweenLooks = 250;  // milliseconds
+  SilenceHint hint(listen.device);
   for (std::size_t printed = 0; printed < listen.count;) {
     pollfd waits[] = {{events.descriptor(), POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
     if (poll(waits, 2, kBetweenLooks) < 0) continue;
@@ -83,9 +55,11 @@ void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTell
     if (const auto event = events.take(std::chrono::milliseconds(0))) {
       print(*event, listen.format);
       ++printed;
-    } else {
-      presence.look();
+      hint.drop();
+      continue;
     }
+    presence.look();
+    hint.look();
   }
 }
 
@@ -127,8 +101,14 @@ int runListen(ComponentLibrary& library, const Arguments& arguments) {
   Component component(library, listen.className);
   component.object().SetLocale(userLocale());
   listen.device.applyTo(component);
-  const std::optional<std::u16string> id = component.open();
-  if (!id) throw std::runtime_error(toUtf8(component.lastError()));
+  const Findings obstacles = examine(listen.device);
+  // The component opens any file, and would wait for its bytes for ever.
+  const bool isLine = !contains(obstacles, "not-a-line");
+  const auto id = isLine ? component.open() : std::nullopt;
+  if (!id) {
+    tellFailure(toUtf8(component.lastError()), obstacles);
+    return 1;
+  }
   presence.begin();
   tell(say(kListening) + toUtf8(*id) + say(kUntil));
   printUntilEnd(component.events(), listen, presence, end);

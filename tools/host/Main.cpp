@@ -20,6 +20,8 @@ commands:
   info      show the component's classes, version, description and methods
   form      show the settings that the component offers
   listen    open a device and print each scan
+  list      show the serial ports and keyboards of this machine
+  doctor    find out why no scan arrives
   test      open the component's test window: what every port and keyboard sends
 
 options:
@@ -38,6 +40,8 @@ exit code: 0 done, 1 failed, 2 the command line is wrong
   info      показать классы, версию, описание и методы компоненты
   form      показать настройки, которые предлагает компонента
   listen    открыть устройство и печатать каждое сканирование
+  list      показать последовательные порты и клавиатуры этой машины
+  doctor    выяснить, почему не приходит скан
   test      открыть окно теста компоненты: что шлют все порты и клавиатуры
 
 ключи:
@@ -81,6 +85,8 @@ int run(const Arguments& words) {
       {{"info", kInfoHelp, with(runInfo)},
        {"form", kFormHelp, with(runForm)},
        {"listen", kListenHelp, with(runListen), [&] { printParametersIfPossible(path); }},
+       {"list", kListHelp, runList},
+       {"doctor", kDoctorHelp, with(runDoctor)},
        {"test", kTestHelp, with(runTest)}}};
   return runCommand(program, words);
 }

@@ -1,0 +1,119 @@
+// The model of the line discipline, against the kernel's own.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <random>
+
+#include "tests/rig/Threads.h"
+#include "tools/common/SerialLine.h"
+#include "tools/host/LineModel.h"
+#include "util/Handles.h"
+
+namespace {
+
+using terminal::LineSetting;
+using terminal::SerialLine;
+using terminal::throughLine;
+
+// A line whose reader is the test.
+struct KernelLine : SerialLine {
+  explicit KernelLine(LineSetting kind) : SerialLine(kind) {
+    tcgetattr(reader.get(), &setting);
+    // An echo would come back to the sender, who does not read it.
+    setting.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    set();
+  }
+
+  void set() { tcsetattr(reader.get(), TCSANOW, &setting); }
+
+  // What the kernel hands over of the bytes, each line as one entry.
+  std::vector<std::string> handsOver(const std::string& bytes) {
+    send(bytes);
+    std::vector<std::string> lines;
+    std::array<char, 8192> line;
+    for (ssize_t got; (got = ::read(reader.get(), line.data(), line.size())) >= 0;) {
+      if (got > 0) lines.emplace_back(line.data(), static_cast<std::size_t>(got));
+    }
+    tcflush(reader.get(), TCIOFLUSH);
+    return lines;
+  }
+
+  quorvel::FileDescriptor reader{::open(port().c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK)};
+  termios setting;
+};
+
+// Bytes among which those that a line acts on are frequent.
+std::string randomBytes(std::mt19937& random) {
+  static const std::string kSpecial =
+      "\r\n\r\n\x03\x04\x08\x11\x13\x15\x16\x17\x1A\x1C\x7F\xFF abc_";
+  std::string bytes;
+  for (auto left = random() % 40 + 1; left > 0; --left) {
+    bytes += random() % 2 ? kSpecial[random() % kSpecial.size()]
+                          : static_cast<char>('A' + random() % 26);
+  }
+  // A character that makes the next one literal would reach into the next scan.
+  if (bytes.back() == '\x16') bytes += 'x';
+  return bytes;
+}
+
+class LineModel : public testing::TestWithParam<LineSetting> {};
+
+TEST_P(LineModel, HandsOverWhatTheKernelDoes) {
+  KernelLine line(GetParam());
+  std::mt19937 random(20261121);
+  for (int scan = 0; scan < 2000; ++scan) {
+    const std::string bytes = randomBytes(random);
+    ASSERT_EQ(throughLine(line.setting, bytes).available, line.handsOver(bytes))
+        << testing::PrintToString(bytes);
+  }
+}
+
+std::vector<std::size_t> lengthsOf(const std::vector<std::string>& lines) {
+  std::vector<std::size_t> lengths;
+  for (const std::string& line : lines) lengths.push_back(line.size());
+  return lengths;
+}
+
+TEST_P(LineModel, CutsAScanWhereTheKernelDoes) {
+  KernelLine line(GetParam());
+  for (const std::size_t length : {4094U, 4095U, 4096U, 5000U}) {
+    if (GetParam() == LineSetting::kRaw) continue;  // keeps nothing but what its queue holds
+    const std::string bytes = std::string(length, 'x') + "y\r\n";
+    EXPECT_EQ(lengthsOf(throughLine(line.setting, bytes).available),
+              lengthsOf(line.handsOver(bytes)))
+        << length;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, LineModel,
+                         testing::Values(LineSetting::kFramed, LineSetting::kRaw,
+                                         LineSetting::kCooked));
+
+TEST(LineModel, OddSettingsAsTheKernelHasThem) {
+  KernelLine line(LineSetting::kCooked);
+  std::mt19937 random(7);
+  for (const tcflag_t input :
+       {tcflag_t{IGNCR}, tcflag_t{INLCR}, tcflag_t{ISTRIP}, tcflag_t{IUCLC}}) {
+    line.setting.c_iflag = input;
+    for (const tcflag_t canonical : {tcflag_t{ICANON}, tcflag_t{0}}) {
+      line.setting.c_lflag = canonical | ISIG | IEXTEN;
+      line.set();
+      for (int scan = 0; scan < 300; ++scan) {
+        const std::string bytes = randomBytes(random);
+        ASSERT_EQ(throughLine(line.setting, bytes).available, line.handsOver(bytes))
+            << testing::PrintToString(bytes) << ' ' << input << ' ' << canonical;
+      }
+    }
+  }
+}
+
+TEST(LineModel, WhatHasNoEndStaysHidden) {
+  const KernelLine line(LineSetting::kFramed);
+  const terminal::LineOutput output = throughLine(line.setting, "123\r45");
+  EXPECT_EQ(output.available, std::vector<std::string>{"123\r"});
+  EXPECT_EQ(output.hidden, "45");
+}
+
+}  // namespace
