@@ -7,19 +7,26 @@
 
 #include "dialog/Clipboard.h"
 #include "dialog/Gtk.h"
+#include "dialog/ListColumns.h"
+#include "dialog/WindowKeys.h"
 #include "util/Language.h"
 
 namespace quorvel {
 namespace {
 
-// Indexed by STRING_ID.
-constexpr std::array<BilingualUtf8, 5> kTexts = {{{"Закрыть", "Close"},
-                                                  {"Очистить", "Clear"},
-                                                  {"Копировать", "Copy"},
+// Indexed by STRING_ID. An underscore precedes the letter that is pressed with Alt.
+constexpr std::array<BilingualUtf8, 5> kTexts = {{{"_Закрыть", "_Close"},
+                                                  {"_Очистить", "C_lear"},
+                                                  {"_Копировать", "Co_py"},
                                                   {"Тест устройства", "Device test"},
                                                   {"Таймаут", "Timeout"}}};
 
 enum Column { kSourceColumn, kDataColumn, kColumns };
+
+gboolean click(GtkWidget* button) {
+  gtk_button_clicked(GTK_BUTTON(button));
+  return TRUE;
+}
 
 struct Size {  // in pixels
   int width;
@@ -79,9 +86,13 @@ DevTestDialogLinux::DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboar
 
 DevTestDialogLinux::~DevTestDialogLinux() { stopListeners(); }
 
-bool DevTestDialogLinux::IsRussian() const { return language_ == Language::kRussian; }
-
 std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
+  std::string text = textWithMnemonic(id);
+  std::erase(text, '_');
+  return text;
+}
+
+std::string DevTestDialogLinux::textWithMnemonic(STRING_ID id) const {
   const auto index = static_cast<std::size_t>(id);
   if (index >= kTexts.size()) return {};
   return std::string(kTexts[index].in(language_));
@@ -96,6 +107,8 @@ void DevTestDialogLinux::ShowDlg() {
   ListenKeyboardDevices();
   const SharedWidgets widgets;
   buildWindow();
+  const WindowKeys keys(GTK_DIALOG(mDlg), [] { OnButtonCopyClicked(nullptr, nullptr); });
+  gtk_window_set_mnemonics_visible(GTK_WINDOW(mDlg), TRUE);
   gtk_widget_show_all(mDlg);
   gtk_dialog_run(GTK_DIALOG(mDlg));
   rows_.close();
@@ -131,8 +144,11 @@ GtkWidget* DevTestDialogLinux::buildButtons() const {
   GtkWidget* const down = gtk_vbox_new(FALSE, 0);
   for (const Button& button : kButtons) {
     GtkWidget* const widget = gtk_button_new_with_label(LoadString(button.label).c_str());
-    // A keyboard scanner also types into the window: its Enter must not press the button that was
-    // clicked last.
+    GtkLabel* const label = GTK_LABEL(gtk_bin_get_child(GTK_BIN(widget)));
+    gtk_label_set_text_with_mnemonic(label, textWithMnemonic(button.label).c_str());
+    gtk_label_set_mnemonic_widget(label, widget);
+    // GTK's own handler would grab the keyboard for a moment, to show the button pressed.
+    g_signal_connect(widget, "mnemonic-activate", G_CALLBACK(click), nullptr);
     gtk_button_set_focus_on_click(GTK_BUTTON(widget), FALSE);
     gtk_box_pack_start(GTK_BOX(down), widget, FALSE, FALSE, kPadding);
     g_signal_connect(widget, "clicked", G_CALLBACK(button.clicked), nullptr);
@@ -144,22 +160,21 @@ void DevTestDialogLinux::InitList() {
   GtkTreeView* const view = GTK_TREE_VIEW(mList);
   GtkCellRenderer* const text = gtk_cell_renderer_text_new();
   gtk_cell_renderer_set_fixed_size(text, -1, kRowHeight);
-  for (const Column column : {kSourceColumn, kDataColumn}) {
-    gtk_tree_view_append_column(
-        view, gtk_tree_view_column_new_with_attributes("", text, "text", column, nullptr));
-  }
+  // One row is one line: U+2028 and its like must not break it.
+  g_object_set(text, "single-paragraph-mode", TRUE, nullptr);
+  addColumns(view, text, kSourceColumn, kDataColumn);
   gtk_tree_view_set_model(view, GTK_TREE_MODEL(mStore));
   gtk_tree_selection_set_mode(gtk_tree_view_get_selection(view), GTK_SELECTION_SINGLE);
-  // A keyboard scanner's keys must not start a type-ahead search.
   gtk_tree_view_set_enable_search(view, FALSE);
 }
 
 void DevTestDialogLinux::AddItemToList(const char* source, const char* data) {
   if (!mStore) return;
+  GtkTreeView* const view = GTK_TREE_VIEW(mList);
+  makeRoomForSource(view, source);
   GtkTreeIter row;
   gtk_list_store_append(mStore, &row);
   gtk_list_store_set(mStore, &row, kSourceColumn, source, kDataColumn, data, -1);
-  GtkTreeView* const view = GTK_TREE_VIEW(mList);
   const TreePath path(gtk_tree_model_get_path(GTK_TREE_MODEL(mStore), &row));
   gtk_tree_view_scroll_to_cell(view, path.get(), nullptr, FALSE, 0, 0);
   gtk_tree_view_expand_all(view);
@@ -172,6 +187,7 @@ void DevTestDialogLinux::OnButtonCloseClicked(GtkWidget*, gpointer) {
 
 void DevTestDialogLinux::OnButtonClearClicked(GtkWidget*, gpointer) {
   gtk_list_store_clear(mStore);
+  resetWidths(GTK_TREE_VIEW(mList));
 }
 
 void DevTestDialogLinux::OnButtonCopyClicked(GtkWidget*, gpointer) {

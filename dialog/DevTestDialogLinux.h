@@ -11,10 +11,9 @@
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
 #include "dialog/RowQueue.h"
+#include "util/Language.h"
 
 namespace quorvel {
-
-enum class Language : unsigned;
 
 // Listens on every serial port and every keyboard of the machine at once and lists what arrives, so
 // that a user sees which of them the scanner is on and what it sends. Each object is shown once.
@@ -38,7 +37,7 @@ class DevTestDialogLinux {
   // is no display or a dialog is open already. Devices that cannot be opened stay silent.
   void ShowDlg();
 
-  bool IsRussian() const;
+  bool IsRussian() const { return language_ == Language::kRussian; }
 
   // UTF-8; empty for an unknown identifier.
   std::string LoadString(STRING_ID id) const;
@@ -58,6 +57,7 @@ class DevTestDialogLinux {
   void listen(const std::wstring& source, InputDeviceFactory& factory);
   void stopListeners();
 
+  std::string textWithMnemonic(STRING_ID id) const;
   void buildWindow() const;
   GtkWidget* buildButtons() const;
   static void InitList();

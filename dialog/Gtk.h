@@ -27,10 +27,11 @@ using GOwned = std::unique_ptr<T, GFree>;
 
 using TreePath = std::unique_ptr<GtkTreePath, TreePathFree>;
 
-// A reference that keeps a widget's memory valid even after GTK has destroyed the widget. GTK
+// A reference that keeps an object's memory valid even after GTK has destroyed the object. GTK
 // thread.
-inline GObjectPtr<GtkWidget> keep(GtkWidget* widget) {
-  return GObjectPtr<GtkWidget>(static_cast<GtkWidget*>(g_object_ref_sink(widget)));
+template <typename T>
+GObjectPtr<T> keep(T* object) {
+  return GObjectPtr<T>(static_cast<T*>(g_object_ref_sink(object)));
 }
 
 // Initialises GTK unless the host has done so; returns whether windows can be shown on the default

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "tests/rig/OwnProcess.h"
+#include "tests/rig/Program.h"
 
 // After GoogleTest, whose names are macros in X.
 #include <gdk/gdkx.h>
@@ -70,6 +71,12 @@ gboolean visitWindow(gpointer data) {
 
 }  // namespace
 
+std::vector<GtkWidget*> widgetsIn(GtkWidget* container) {
+  std::vector<GtkWidget*> all;
+  collect(container, &all);
+  return all;
+}
+
 TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog) {
   const std::vector<GtkWidget*> lists = widgets(GTK_TYPE_TREE_VIEW);
   if (lists.size() != 1) throw std::runtime_error("the window has not one list");
@@ -93,8 +100,7 @@ unsigned long TestWindow::id() const {
 }
 
 std::vector<GtkWidget*> TestWindow::widgets(GType type) const {
-  std::vector<GtkWidget*> all;
-  gtk_container_forall(GTK_CONTAINER(dialog_), collect, &all);
+  std::vector<GtkWidget*> all = widgetsIn(GTK_WIDGET(dialog_));
   std::erase_if(all,
                 [type](GtkWidget* widget) { return !G_TYPE_CHECK_INSTANCE_TYPE(widget, type); });
   return all;
@@ -153,6 +159,22 @@ void TestWindow::select(int row) const {
   gtk_tree_path_free(path);
 }
 
+std::optional<int> TestWindow::selected() const {
+  GtkTreeModel* model = nullptr;
+  GtkTreeIter row;
+  if (!gtk_tree_selection_get_selected(gtk_tree_view_get_selection(list_), &model, &row)) return {};
+  GtkTreePath* const path = gtk_tree_model_get_path(model, &row);
+  const int index = gtk_tree_path_get_indices(path)[0];
+  gtk_tree_path_free(path);
+  return index;
+}
+
+void TestWindow::focus() const {
+  GdkWindow* const window = gtk_widget_get_window(GTK_WIDGET(dialog_));
+  gdk_window_focus(window, GDK_CURRENT_TIME);
+  await("the focus", [&] { return gtk_window_has_toplevel_focus(GTK_WINDOW(dialog_)) != FALSE; });
+}
+
 void whileTestWindowIsOpen(const std::function<void()>& show,
                            const std::function<void(TestWindow&)>& deeds) {
   g_log_set_always_fatal(
@@ -181,6 +203,8 @@ std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path) {
   line->link(path);
   return line;
 }
+
+std::string clipboard() { return run({"xclip", "-o", "-selection", "clipboard"}).output; }
 
 terminal::SerialLine& WindowTest::plugIn(const std::string& path) {
   return *scanners_.emplace_back(scannerAt(path));

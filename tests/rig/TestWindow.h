@@ -22,6 +22,9 @@ struct Row {
   bool operator==(const Row&) const = default;
 };
 
+// A widget and all the widgets in it, in their order.
+std::vector<GtkWidget*> widgetsIn(GtkWidget* container);
+
 // The widgets of the open test window, and what a user does with them. Used inside its main loop,
 // which runs while a function here waits.
 class TestWindow {
@@ -55,6 +58,10 @@ class TestWindow {
   void click(const std::string& label) const { gtk_button_clicked(button(label)); }
 
   void select(int row) const;
+  std::optional<int> selected() const;
+
+  // Gives the window the focus of a server that has no window manager.
+  void focus() const;
 
   // What the window was closed with; none while it is open.
   std::optional<int> response() const { return response_; }
@@ -80,6 +87,10 @@ void visitWindow(const std::function<void(TestWindow&)>& deeds);
 
 // A scanner whose scans come whole, at a serial port of this path.
 std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path);
+
+// The text on the clipboard as another program gets it, while this process does nothing; empty when
+// there is none.
+std::string clipboard();
 
 // A test of the window, in a process of its own.
 class WindowTest : public OnScreen {

@@ -117,6 +117,10 @@ std::string XServer::keyboardSocket(std::size_t index) const {
 
 void XServer::kill() { end(SIGKILL); }
 
+void XServer::pause() const { ::kill(pid_, SIGSTOP); }
+
+void XServer::goOn() const { ::kill(pid_, SIGCONT); }
+
 std::string XServer::log() const {
   std::ifstream file(directory_ / "log");
   return {std::istreambuf_iterator<char>(file), {}};
@@ -179,6 +183,7 @@ void XServer::setLayout() const {
 void XServer::end(int signal) {
   if (pid_ <= 0) return;
   ::kill(pid_, signal);
+  goOn();
   waitpid(pid_, nullptr, 0);
   pid_ = -1;
 }

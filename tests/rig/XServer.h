@@ -42,6 +42,10 @@ class XServer {
   // Kills the server where it stands, as a crash would; no effect when it has ended.
   void kill();
 
+  // Stops the server for a while. What is typed meanwhile comes to it all at once.
+  void pause() const;
+  void goOn() const;
+
   // What the server has logged so far.
   std::string log() const;
 

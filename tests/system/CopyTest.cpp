@@ -9,15 +9,13 @@
 
 namespace {
 
+using rig::clipboard;
 using rig::inOwnProcess;
 using rig::scannerAt;
 using rig::TestWindow;
 using rig::visitWindow;
 
 using Copy = rig::OnScreen;
-
-// The text on the clipboard as another program gets it; this process does nothing meanwhile.
-std::string clipboard() { return rig::outputOf({"xclip", "-o", "-selection", "clipboard"}); }
 
 // Another program, which has taken the clipboard and holds it until it is taken from it.
 class Taker {

@@ -67,11 +67,14 @@ TEST_F(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
   inOwnProcess([] {
     const rig::Program manager({"matchbox-window-manager"});
     visitWindow([](TestWindow& window) {
-      // Until the window manager has taken the window over, it has none to close.
-      window.await("closing", [&] {
-        rig::run({"wmctrl", "-i", "-c", std::to_string(window.id())});
-        return window.response().has_value();
+      window.await("the window manager", [&] {
+        GdkRectangle frame;
+        gdk_window_get_frame_extents(gtk_widget_get_window(GTK_WIDGET(window.dialog())), &frame);
+        return frame.height > GTK_WIDGET(window.dialog())->allocation.height;
       });
+      // Only once: at the second request this manager kills the process.
+      rig::run({"wmctrl", "-i", "-c", std::to_string(window.id())});
+      window.await("closing", [&] { return window.response().has_value(); });
       EXPECT_EQ(window.response(), GTK_RESPONSE_DELETE_EVENT);
     });
   });
