@@ -3,7 +3,7 @@
 math(EXPR QUORVEL_WORD_SIZE "${CMAKE_SIZEOF_VOID_P} * 8")
 
 option(QUORVEL_WERROR "Treat compiler warnings as errors" OFF)
-# The exact language, and every file ready for the linters.
+# No compiler extensions. The linters need the compile commands.
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
@@ -38,7 +38,7 @@ if(QUORVEL_SANITIZE)
     target_compile_options(quorvel_build INTERFACE -fsanitize=fuzzer-no-link)
   endif()
 else()
-  # Fortified functions and sanitizers intercept the same calls: one or the other.
+  # Not with sanitizers: both intercept the same calls.
   target_compile_options(quorvel_build INTERFACE
     "$<IF:${unoptimized},-O0,-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
 endif()
@@ -61,8 +61,8 @@ quorvel_require_headers(nlohmann_json nlohmann/json.hpp nlohmann-json3-dev)
 
 # quorvel_room(NAME SOURCES file... [USES target...])
 #
-# Declares the object library quorvel_NAME. Objects, so that the unit tests reach inside while the
-# shared library exports four names.
+# Declares the object library quorvel_NAME. The unit tests link these objects, since the shared
+# library exports four names only.
 function(quorvel_room name)
   cmake_parse_arguments(PARSE_ARGV 1 room "" "" "SOURCES;USES")
   add_library(quorvel_${name} OBJECT ${room_SOURCES})
@@ -71,7 +71,8 @@ endfunction()
 
 # quorvel_component(TARGET FILE-NAME)
 #
-# Makes of a shared library a component that a host can load: all rooms, four exported names.
+# Turns a shared library into a component that a host can load: links all rooms and limits the exports
+# to four names.
 function(quorvel_component target file)
   target_link_libraries(${target} PRIVATE
     quorvel_util quorvel_devices quorvel_parameters quorvel_dialog quorvel_performer quorvel_addin)
@@ -81,8 +82,7 @@ function(quorvel_component target file)
     LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}"
     LINKER_LANGUAGE CXX
     LINK_DEPENDS "${CMAKE_SOURCE_DIR}/cmake/exports.map")
-  # nodelete: a clipboard that still answers other programs must not lose its code when the host
-  # unloads the library.
+  # nodelete: the clipboard may still be serving other programs after the host unloads the library.
   target_link_options(${target} PRIVATE
     "LINKER:--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map"
     "LINKER:-z,relro,-z,now,-z,noexecstack,-z,nodelete")

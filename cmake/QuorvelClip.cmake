@@ -1,5 +1,5 @@
-# The clip library, where it is installed: QUORVEL_CLIP names what to link, and is empty where the
-# test window has to bring a clipboard of its own.
+# Looks for the clip library. QUORVEL_CLIP names what to link; it is empty when the library is not
+# installed and the test window needs its own clipboard.
 include(CheckCXXSourceCompiles)
 
 find_package(clip QUIET)
@@ -15,7 +15,7 @@ if(NOT QUORVEL_CLIP)
   find_library(QUORVEL_CLIP_LIBRARY clip)
   mark_as_advanced(QUORVEL_CLIP_INCLUDE_DIR QUORVEL_CLIP_LIBRARY)
   if(QUORVEL_CLIP_INCLUDE_DIR AND QUORVEL_CLIP_LIBRARY)
-    # Linking it proves that it is of this word size, and the library that is meant.
+    # Linking it proves that it is the right library, in the right word size.
     set(CMAKE_REQUIRED_INCLUDES "${QUORVEL_CLIP_INCLUDE_DIR}")
     set(CMAKE_REQUIRED_LIBRARIES "${QUORVEL_CLIP_LIBRARY}" xcb)
     check_cxx_source_compiles(

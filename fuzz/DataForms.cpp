@@ -1,12 +1,12 @@
-// What scanned bytes are turned into, and back.
+// The conversions of scanned bytes, there and back.
 #include <cstdint>
 #include <string>
 
 #include "fuzz/Require.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
-#include "util/HumanReadable.h"
 #include "util/DeviceNames.h"
+#include "util/HumanReadable.h"
 #include "util/Text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   require(base64_decode(base64_encode(bytes)) == bytes);
   base64_decode(bytes);
 
-  // Nothing invisible is left in the human-readable form.
+  // The human-readable form has visible characters only.
   for (const char byte : raw2HRS(bytes)) require(byte > ' ' && byte <= '~');
 
   const std::wstring text = str2wstr(bytes);

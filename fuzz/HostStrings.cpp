@@ -1,4 +1,4 @@
-// Strings and variants as a host may pass them.
+// Strings and variants with any content that a host may pass.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>

@@ -1,9 +1,9 @@
-// What a fuzz target expects to hold for every input.
+// Assertions of the fuzz targets.
 #pragma once
 
 #include <cstdlib>
 
-// Ends the process, which the fuzzer reports together with the input, unless `holds`.
+// Aborts unless `holds`; the fuzzer then reports the input.
 inline void require(bool holds) {
   if (!holds) std::abort();
 }

@@ -3,8 +3,8 @@
 
 #include "host/Variant.h"
 
-// Implemented by the host. The order of the virtual functions is the binary contract; the reserved
-// ones belong to the host's other components, are never called here and only keep their slots.
+// Implemented by the host. The order of the virtual functions is a binary contract. The reserved
+// ones are never called here and only keep the slots of the others.
 class IAddInDefBaseEx {
  public:
   virtual ~IAddInDefBaseEx() = default;
@@ -14,13 +14,13 @@ class IAddInDefBaseEx {
   virtual void Reserved4() = 0;
   virtual void Reserved5() = 0;
 
-  // Sets how many external events the host keeps queued. False when it refuses.
+  // Sets how many external events the host queues. False when it refuses.
   virtual bool SetEventBufferDepth(long depth) = 0;
 
   virtual void Reserved7() = 0;
 
-  // Raises an external event. The host copies the three zero-terminated texts before it returns;
-  // they stay the caller's. May be called on any thread. False when the event was not taken.
+  // Raises an external event. The texts are zero-terminated; the host copies them before it
+  // returns. May be called on any thread. False when the host did not accept the event.
   virtual bool ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) = 0;
 
   virtual void Reserved9() = 0;

@@ -1,27 +1,29 @@
-// What a host expects of a component object.
+// The interfaces of a component object, called by the host.
 //
-// The order of the virtual functions and of the bases is the binary contract of GCC's C++ ABI:
-// nothing is reordered, and nothing is added in between.
+// The order of the bases and of their virtual functions is a binary contract: never reorder or
+// insert any.
 #pragma once
 
 #include "host/Variant.h"
 
-// Start and end of a component's life. Called on the host's thread, as everything below is.
+// Start and end of a component's life. These and all operations below are called on the host's
+// thread.
 class IInitDoneBase {
  public:
   virtual ~IInitDoneBase() = default;
 
-  // `connection` is the host's IAddInDefBaseEx and outlives the component. False: not usable.
+  // `connection` is the host's IAddInDefBaseEx and outlives the component. False: the component
+  // cannot be used.
   virtual bool Init(void* connection) = 0;
   // `memoryManager` is the host's IMemoryManager and outlives the component.
   virtual bool setMemManager(void* memoryManager) = 0;
-  // The interface revision the component was written for.
+  // The interface revision that the component implements.
   virtual long GetInfo() = 0;
   virtual void Done() = 0;
 };
 
-// Properties and methods, found by name and used by number. A returned text is allocated by the
-// host's memory manager and belongs to the host; null stands for none.
+// Properties and methods, found by name and used by number. Returned texts are allocated with the
+// host's memory manager and owned by the host; null means that there is none.
 class ILanguageExtenderBase {
  public:
   virtual ~ILanguageExtenderBase() = default;

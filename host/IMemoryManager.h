@@ -1,16 +1,16 @@
-// The host's allocator for strings that a component hands over.
+// The host's allocator for texts that a component hands over.
 #pragma once
 
-// Implemented by the host. The order of the virtual functions is the binary contract.
+// Implemented by the host. The order of the virtual functions is a binary contract.
 class IMemoryManager {
  public:
   virtual ~IMemoryManager() = default;
 
-  // Stores a block of `bytes` bytes in *block and returns true, or returns false and leaves no
-  // block. The block belongs to the host once it has been handed over.
+  // Allocates `bytes` bytes, stores their address in *block and returns true; false when out of
+  // memory. The host owns the block once it has been handed over.
   virtual bool AllocMemory(void** block, unsigned long bytes) = 0;
 
-  // Frees a block of AllocMemory and nulls *block.
+  // Frees a block from AllocMemory and sets *block to null.
   virtual void FreeMemory(void** block) = 0;
 };
 

@@ -1,4 +1,4 @@
-// The host's value record and its 16-bit character, as they stand in memory.
+// The host's value record and its 16-bit character, with their layout in memory.
 #pragma once
 
 #include <cstddef>
@@ -25,8 +25,8 @@ enum VariantType : std::uint16_t {
   VTYPE_PWSTR = 22,
 };
 
-// A plain record: nothing in it is owned. Who frees the text of a string variant is settled by the
-// operation that it travels through.
+// A plain record that owns nothing. Each operation that passes a string variant says who frees its
+// text.
 struct tVariant {
   struct NarrowString {
     char* text;            // zero-terminated
@@ -52,7 +52,7 @@ struct tVariant {
     WideString wide;
   };
   std::uint32_t elementCount;
-  std::uint16_t vt;  // a VariantType; any other number may arrive from a host
+  std::uint16_t vt;  // a VariantType, or any other number that a host makes up
 };
 
 static_assert(sizeof(bool) == 1);

@@ -11,7 +11,7 @@
 
 namespace quorvel {
 
-// A file descriptor, closed with its owner. -1 is none.
+// Owns a file descriptor; -1 when empty.
 class FileDescriptor {
  public:
   FileDescriptor() = default;
@@ -43,7 +43,7 @@ inline FileDescriptor notStandardInput(FileDescriptor descriptor) {
   return FileDescriptor(::fcntl(0, F_DUPFD_CLOEXEC, 1));
 }
 
-// A conversion of iconv; false when the C library knows no such pair of encodings.
+// Owns an iconv conversion; false when the C library does not offer it.
 class IconvDescriptor {
  public:
   IconvDescriptor(const char* to, const char* from) : descriptor_(iconv_open(to, from)) {}
@@ -65,7 +65,7 @@ struct PipeCloser {
   void operator()(std::FILE* pipe) const { pclose(pipe); }
 };
 
-// The stream of a command started with popen; closing it waits for the command.
+// The stream of a command started with popen. Closing it waits for the command to end.
 using Pipe = std::unique_ptr<std::FILE, PipeCloser>;
 
 }  // namespace quorvel

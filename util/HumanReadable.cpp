@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kCodeDigits = 3;
 
-// Not isgraph(): in a one-byte locale that would let letters above 0x7F through.
+// Not isgraph(), which accepts letters above 0x7F in a one-byte locale.
 constexpr bool isVisible(char byte) { return byte >= 0x21 && byte <= 0x7E; }
 
 // Returns the place after the code.
@@ -29,8 +29,8 @@ char* writeCode(char* out, char byte) {
   return out;
 }
 
-// Appends the characters of the complete codes in `digits`, which run to the end of the text.
-// False when something other than a digit stands among them, the end of the group included.
+// Appends the characters of all complete codes in `digits`, which is the rest of the text. False
+// when it contains anything but digits, such as the end of the group.
 bool appendCodes(std::wstring_view digits, std::wstring& result) {
   int value = 0;
   std::size_t held = 0;

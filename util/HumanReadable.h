@@ -1,29 +1,29 @@
-// The human-readable form (HRS) of raw data: visible ASCII as it is, every run of other bytes as
-// three-digit decimal codes in one pair of parentheses. "AB\r\n" reads "AB(013010)".
+// The human-readable form (HRS) of raw data: visible ASCII characters stay as they are, a run of
+// other bytes becomes their three-digit decimal codes in parentheses. "AB\r\n" reads "AB(013010)".
 #pragma once
 
 #include <string>
 
 namespace quorvel {
 
-// `length` bytes, or none when it is negative.
+// Converts `length` bytes. A negative length counts as 0.
 std::string raw2HRS(const char* bytes, int length);
 std::string raw2HRS(const std::string& bytes);
 
-// The bytes are those of the text's UTF-8 form, so a letter outside ASCII is coded byte by byte.
+// Converts the UTF-8 form of the text: a non-ASCII letter becomes the codes of its bytes.
 std::wstring raw2HRS(const std::wstring& text);
 std::wstring raw2HRS(const wchar_t* text, int count);
 
-// Reads the form back. Text without groups is returned unchanged; a group with codes must run to
-// the end of the text without being closed, and each of its digits but the first begins another
-// pass over those that follow. Everything else fails: the result is empty.
+// Reads the form back, with two peculiarities. A closing parenthesis after digits is an error, so
+// only a group that runs to the end of the text is read; and its digits are read again from the
+// second one on, from the third one on, and so forth. The result is empty on an error.
 std::wstring hrs2Raw(const std::wstring& text);
 
-// The same into a buffer of `capacity` characters: at most so many are written, and their number is
-// returned. On failure the whole buffer is zeros and the result 0.
+// The same into a buffer of `capacity` characters. Returns the number of characters written. On an
+// error fills the whole buffer with zeros and returns 0.
 int hrs2Raw(wchar_t* buffer, const std::wstring& text, int capacity);
 
-// Keeps the characters that have a visible one-byte form in the process locale.
+// Drops every character without a visible one-byte form in the process locale.
 std::wstring raw2Printable(const wchar_t* text, int count);
 std::wstring raw2Printable(const std::wstring& text);
 

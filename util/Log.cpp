@@ -15,14 +15,14 @@ std::string getLogFileName() {
   // NOLINTNEXTLINE(concurrency-mt-unsafe): any number will do
   if (stamp.empty()) stamp = std::to_string(std::rand());
   std::ostringstream name;
-  // A number is written in the classic locale whatever the host has chosen: no digit grouping.
+  // The host's locale may group digits.
   name.imbue(std::locale::classic());
   name << "Quorvel_x" << sizeof(void*) * CHAR_BIT << "_t" << std::this_thread::get_id() << "_"
        << stamp.c_str() << ".txt";
   return name.str();
 }
 
-// NOLINTBEGIN(performance-unnecessary-value-param): a log that writes keeps its texts
+// NOLINTBEGIN(performance-unnecessary-value-param): a log that is switched on keeps its texts
 bool Logger::SetLogFolder(std::wstring) { return true; }
 
 void Logger::LogToFile(std::wstring) {}

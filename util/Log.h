@@ -1,5 +1,5 @@
-// The diagnostic log. It is switched off in this build: callers hand over their texts, and nothing
-// is written anywhere. Any thread.
+// The diagnostic log. It is switched off in this build: texts are accepted and discarded. May be
+// called on any thread.
 #pragma once
 
 #include <string>
@@ -7,15 +7,15 @@
 
 namespace quorvel {
 
-// "Quorvel_x32_t3071232768_20261115133505.txt": the word size, the calling thread and the local
-// time. The folder of log files is kLogFolder.
+// The name of a log file, made of the word size, the calling thread and the local time:
+// "Quorvel_x32_t3071232768_20261115133505.txt".
 std::string getLogFileName();
 
 inline constexpr std::string_view kLogFolder = "/tmp/";
 
 class Logger {
  public:
-  // Accepts any folder and ignores it. Always true.
+  // Ignores the folder. Always true.
   bool SetLogFolder(std::wstring folder);
   void LogToFile(std::wstring text);
 

@@ -14,7 +14,7 @@ constexpr std::array<std::wstring_view, 33> kNames = {
 
 constexpr std::uint32_t kDelete = 127;
 
-// wchar_t is signed in this ABI; a code is not.
+// wchar_t is signed in this ABI.
 std::uint32_t codeOf(wchar_t symbol) { return static_cast<std::uint32_t>(symbol); }
 
 }  // namespace

@@ -5,10 +5,10 @@
 
 namespace quorvel {
 
-// The name of a control character, of the space ("SPACE") and of 127 ("DEL"); empty for others.
+// The name of a control character, "SPACE" for 32 and "DEL" for 127. Empty for other characters.
 std::wstring GetSymbolName(wchar_t symbol);
 
-// The character itself, or its name in quotes between two spaces: " 'CR' ".
+// The character itself or, if it has a name, the name in quotes between two spaces: " 'CR' ".
 std::wstring FormatSymbolForDisplay(wchar_t symbol);
 
 // The character's code in decimal.

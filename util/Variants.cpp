@@ -7,8 +7,8 @@
 namespace quorvel {
 namespace {
 
-// Truncates toward zero. What has no value in `Integer` gives its smallest one, as the processor's
-// own conversion does; in C++ it would be undefined.
+// Truncates toward zero. A number that does not fit gives the smallest integer, as the processor's
+// conversion does; a C++ conversion would be undefined.
 template <typename Integer>
 Integer truncated(double number) {
   constexpr double kLow = static_cast<double>(std::numeric_limits<Integer>::min());

@@ -1,4 +1,4 @@
-// Every choice that the settings form offers, set and opened, does what it says.
+// Every choice of the settings form has the effect that it promises.
 #include <gmock/gmock.h>
 
 #include <deque>
@@ -30,14 +30,14 @@ using testing::ElementsAreArray;
 
 constexpr std::int32_t kFirstUsbPort = 129;
 
-// Sets a value as a host does, in the type that the form gives the parameter.
+// Sets a value like a host, as the type that the form states.
 bool set(rig::Driver& driver, const FormParameter& parameter, const std::string& value) {
   const std::u16string name = toHostText(parameter.name);
   if (parameter.type == "String") return driver.component.setParameter(name, toHostText(value));
   return driver.component.setParameter(name, std::stoi(value));
 }
 
-TEST(FormChoices, EveryParameterTakesItsDefaultAndEveryChoice) {
+TEST(FormChoices, EveryParameterAcceptsItsDefaultAndEveryChoice) {
   const rig::DeviceFiles files = {"ttyS0", "ttyACM0", "ttyUSB0"};
   rig::XServer server({"Scanner"});
   const rig::ScopedVariable display("DISPLAY", server.display());
@@ -60,7 +60,7 @@ TEST(FormChoices, EachPortOpensItsFile) {
   const std::int32_t ports[] = {1, 11, 67, 129, 136};
   for (const std::int32_t port : ports) driver.plugIn(port);
   EXPECT_THAT(choicesOf(driver, "Port"), ElementsAre("0", "1", "11", "67", "129", "136"));
-  // All of them are open at once: what comes from a line comes from its port and no other.
+  // All are open at once, so a scan from the wrong port would show.
   for (const std::int32_t port : ports) driver.open(port);
   for (std::size_t i = 0; i < std::size(ports); ++i) {
     driver.lines[i].send("scan\r");
@@ -82,7 +82,7 @@ TEST(FormChoices, EachEncodingLeavesAScanWhole) {
   }
 }
 
-TEST(FormChoices, EachOutputDataTypeIsTheFormOfTheData) {
+TEST(FormChoices, EachOutputDataTypeConvertsTheData) {
   rig::SerialDriver driver;
   terminal::SerialLine& line = driver.plugIn(kFirstUsbPort);
   EXPECT_THAT(choicesOf(driver, "OutputDataType"), ElementsAre("0", "2"));
@@ -100,7 +100,7 @@ TEST(FormChoices, EachOutputDataTypeIsTheFormOfTheData) {
 // do so side by side.
 class Host {
  public:
-  // Listens with one setting until so many scans have come.
+  // Listens with one setting until it has received `scans` scans.
   Host(int number, const std::string& setting, int scans) : line_(LineSetting::kRaw) {
     line_.link("/dev/ttyUSB" + std::to_string(number));
     program_.emplace(rig::Words{rig::hostPath(), "--library", rig::libraryPath(), "listen",
@@ -111,7 +111,7 @@ class Host {
   bool waitUntilOpen() { return line_.waitForReader(-1, rig::kPatience); }
   void send(const std::string& bytes) { line_.send(bytes); }
 
-  // The scans that have come, when all have.
+  // Waits for the host to end and returns the scans it has received.
   std::vector<std::string> scans() {
     std::vector<std::string> scans;
     std::istringstream output(program_->end().output);

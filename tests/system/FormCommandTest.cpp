@@ -47,7 +47,7 @@ Connection parameters
 )"));
 }
 
-TEST_F(FormCommand, ShowsDescriptionsAndWhatTakesAnyValue) {
+TEST_F(FormCommand, ShowsDescriptionsAndFreeParameters) {
   EXPECT_THAT(form(), HasSubstr(R"(
   TimeoutCOM: COM-port Timeout (ms) (number, by default 5, shown when Port is not 0)
 
@@ -58,13 +58,13 @@ TEST_F(FormCommand, ShowsDescriptionsAndWhatTakesAnyValue) {
 )"));
 }
 
-TEST_F(FormCommand, QuotesNamesBecauseTheirBlanksCount) {
+TEST_F(FormCommand, QuotesNamesSoThatTheirBlanksShow) {
   const rig::XServer server({"AT&T Scanner <B>"});
   const rig::ScopedVariable display("DISPLAY", server.display());
   EXPECT_THAT(form(), HasSubstr("\n      \"AT T Scanner  B \"\n"));
 }
 
-TEST_F(FormCommand, FoldsTheSuffixAroundItsDefault) {
+TEST_F(FormCommand, FoldsTheSuffixesAroundTheDefault) {
   EXPECT_THAT(form(), HasSubstr(R"(
   Suffix: Suffix (number, by default 13)
       -1        <NONE>
@@ -75,19 +75,19 @@ TEST_F(FormCommand, FoldsTheSuffixAroundItsDefault) {
 )"));
 }
 
-TEST_F(FormCommand, FoldsNothingWhenAskedForAll) {
+TEST_F(FormCommand, ShowsEveryChoiceWithAll) {
   const std::string all = form({"--all"});
   EXPECT_THAT(all, HasSubstr("\n      29   29 (GS)\n"));
   EXPECT_THAT(all, HasSubstr("\n      60   60 (<)\n"));
   EXPECT_THAT(all, Not(HasSubstr("…")));
 }
 
-TEST_F(FormCommand, SpeaksTheLanguageOfItsUser) {
+TEST_F(FormCommand, UsesTheUsersLanguage) {
   const rig::ScopedVariable russian("LC_ALL", "ru_RU.UTF-8");
   EXPECT_THAT(form(), HasSubstr("(число, по умолчанию 9600, видно, когда Port не равно 0)\n"));
 }
 
-TEST_F(FormCommand, RefusesWhatItDoesNotKnow) {
+TEST_F(FormCommand, RefusesUnknownArguments) {
   EXPECT_EQ(run({"--xml", "extra"}).code, 2);
   EXPECT_EQ(run({"--colour"}).errors, "quorvel-host: unknown option --colour (see --help)\n");
 }

@@ -1,4 +1,4 @@
-// Documents that are not the driver's: a host must tell them from a form.
+// The form reader of the tools, with documents that the driver does not produce.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -7,16 +7,16 @@
 
 namespace {
 
-TEST(FormDocument, RefusesWhatIsNoXml) {
+TEST(FormDocument, RefusesInvalidXml) {
   EXPECT_THROW(terminal::readForm("<Settings><Page></Settings>"), std::runtime_error);
   EXPECT_THROW(terminal::readForm(""), std::runtime_error);
 }
 
-TEST(FormDocument, RefusesWhatIsNoForm) {
+TEST(FormDocument, RefusesOtherDocuments) {
   EXPECT_THROW(terminal::readForm("<Actions/>"), std::runtime_error);
 }
 
-TEST(FormDocument, TellsAnEmptyListOfChoicesFromNone) {
+TEST(FormDocument, DistinguishesAnEmptyChoiceListFromNone) {
   const auto pages = terminal::readForm(
       "<Settings><Page Caption=\"P\"><Group Caption=\"G\"><Parameter Name=\"Free\"/>"
       "<Parameter Name=\"Empty\"><ChoiceList></ChoiceList></Parameter></Group></Page></Settings>");
@@ -25,7 +25,7 @@ TEST(FormDocument, TellsAnEmptyListOfChoicesFromNone) {
   EXPECT_TRUE(parameters.at(1).choices.value().empty());
 }
 
-TEST(FormDocument, KeepsATextOfBlanks) {
+TEST(FormDocument, KeepsBlankTexts) {
   const auto pages = terminal::readForm(
       "<Settings><Page><Group><Parameter><ChoiceList><Item Value=\"  \">  </Item></ChoiceList>"
       "</Parameter></Group></Page></Settings>");

@@ -1,4 +1,4 @@
-// Every keyboard and every key that the settings form offers does what it says, on a real X server.
+// Every keyboard and every key that the settings form offers works as it says, on a real X server.
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -15,7 +15,7 @@ namespace {
 
 using terminal::Key;
 
-// The index of a keyboard that has nothing special about it.
+// The index of the keyboard with a plain name.
 constexpr std::size_t kPlain = 3;
 
 class FormKeyboardChoices : public testing::Test {
@@ -36,7 +36,7 @@ class FormKeyboardChoices : public testing::Test {
     return scan;
   }
 
-  // The two twins have one name in the form.
+  // The form shows the twins under one name.
   rig::XServer server_{{"AT&T Scanner <B>", "Сканер", "Twin<", "Plain", "Twin>", "Tab\tScanner"}};
   rig::ScopedVariable display_{"DISPLAY", server_.display()};
   rig::Driver driver_;
@@ -44,7 +44,7 @@ class FormKeyboardChoices : public testing::Test {
 
 TEST_F(FormKeyboardChoices, EachKeyboardOpensAsItIsListed) {
   const std::vector<std::string> names = rig::choicesOf(driver_, "KeyboardDevice");
-  // Of two with one name the last is opened, whichever is chosen.
+  // Of two with the same name the last one is opened.
   const std::size_t opened[] = {0, 1, 4, 3, 4, 5};
   ASSERT_EQ(names.size(), std::size(opened));
   for (std::size_t i = 0; i < names.size(); ++i) {
@@ -56,12 +56,13 @@ TEST_F(FormKeyboardChoices, EachKeyboardOpensAsItIsListed) {
   }
 }
 
-TEST_F(FormKeyboardChoices, EachKeyStandsForTheGroupSeparator) {
-  using enum Key;
-  // In the order of the choices after the first, which is no key.
-  const Key keys[] = {kF1,   kF2,  kF3,     kF4,       kF5,       kF6,       kF7,
-                      kF8,   kF9,  kF10,    kF11,      kF12,      kInsert,   kDelete,
-                      kHome, kEnd, kPageUp, kPageDown, kCapsLock, kRightAlt, kKeypadEnter};
+TEST_F(FormKeyboardChoices, EachKeyBecomesTheGroupSeparator) {
+  // In the order of the choices, the first of which is no key.
+  const Key keys[] = {
+      Key::kF1,       Key::kF2,       Key::kF3,         Key::kF4,  Key::kF5,     Key::kF6,
+      Key::kF7,       Key::kF8,       Key::kF9,         Key::kF10, Key::kF11,    Key::kF12,
+      Key::kInsert,   Key::kDelete,   Key::kHome,       Key::kEnd, Key::kPageUp, Key::kPageDown,
+      Key::kCapsLock, Key::kRightAlt, Key::kKeypadEnter};
   const std::vector<std::string> choices = rig::choicesOf(driver_, "GSSymbolKey");
   ASSERT_EQ(choices.size(), std::size(keys) + 1);
   for (std::size_t i = 0; i < std::size(keys); ++i) {
@@ -70,7 +71,7 @@ TEST_F(FormKeyboardChoices, EachKeyStandsForTheGroupSeparator) {
   }
 }
 
-TEST_F(FormKeyboardChoices, NoKeyLeavesEveryKeyWhatItIs) {
+TEST_F(FormKeyboardChoices, WithoutAChosenKeyKeysKeepTheirMeaning) {
   chooseKey(rig::choicesOf(driver_, "GSSymbolKey").at(0));
   EXPECT_EQ(scanWith(Key::kF7), u"12");
 }

@@ -23,7 +23,7 @@ using Names = std::vector<std::string>;
 
 std::string item(const std::string& name) { return rig::choiceItem(name, name); }
 
-// A server with keyboards, and a component that sees it.
+// A server with keyboards and a component connected to it.
 struct Desktop {
   explicit Desktop(const Names& keyboards) : server(keyboards) {}
 
@@ -44,8 +44,7 @@ std::string cleaned(std::string name) {
   return name;
 }
 
-// The cleaned names of the keyboards that xinput lists; the server's own, through which clients
-// type, are none of the machine's.
+// The cleaned names of the keyboards that xinput lists, without the server's own test keyboards.
 Names listedByXinput() {
   constexpr std::string_view kBranch = "\u21b3 ";
   Names names;
@@ -59,7 +58,7 @@ Names listedByXinput() {
   return names;
 }
 
-TEST(FormKeyboards, NamesLoseWhatXmlCannotCarry) {
+TEST(FormKeyboards, MarkupAndNonAsciiInANameBecomeSpaces) {
   Desktop desktop({"AT&T Scanner <B>", "O'Neill", "Сканер 2", "Plain"});
   EXPECT_TRUE(rig::areSame(desktop.document(),
                            rig::expectedForm("ru", "",
@@ -73,7 +72,7 @@ TEST(FormKeyboards, ControlCharactersInANameBecomeSpaces) {
   EXPECT_THAT(desktop.listed(), ElementsAre("Tab Scanner "));
 }
 
-TEST(FormKeyboards, TwoOfOneNameAreListedTwiceInTheServersOrder) {
+TEST(FormKeyboards, DuplicateNamesAreListedInTheServersOrder) {
   Desktop desktop({"Twin", "Other", "Twin"});
   EXPECT_THAT(desktop.listed(), ElementsAre("Twin", "Other", "Twin"));
 }
@@ -84,21 +83,21 @@ TEST(FormKeyboards, AgreeWithXinput) {
   EXPECT_THAT(desktop.listed(), UnorderedElementsAreArray(listedByXinput()));
 }
 
-TEST(FormKeyboards, ManyOfThemAreAllListed) {
+TEST(FormKeyboards, ListsManyKeyboards) {
   Names names;
   for (int i = 0; i < 20; ++i) names.push_back("Keyboard " + std::to_string(i));
   Desktop desktop(names);
   EXPECT_THAT(desktop.listed(), ElementsAreArray(names));
 }
 
-TEST(FormKeyboards, AServerThatHasEndedLeavesTheRestOfTheForm) {
+TEST(FormKeyboards, WithoutTheServerOnlyTheKeyboardsAreMissing) {
   Desktop desktop({"Scanner"});
   EXPECT_THAT(desktop.listed(), ElementsAre("Scanner"));
   desktop.server.kill();
   EXPECT_TRUE(rig::areSame(desktop.document(), rig::expectedForm("ru", "", "")));
 }
 
-TEST(FormKeyboards, NothingOfTheListingIsLeftBehind) {
+TEST(FormKeyboards, LeaksNoDescriptors) {
   Desktop desktop({"One", "Two"});
   desktop.document();
   const std::size_t descriptors = rig::descriptorCount();

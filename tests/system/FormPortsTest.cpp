@@ -23,7 +23,7 @@ class FormPorts : public testing::Test {
   rig::Driver driver_;
 };
 
-TEST_F(FormPorts, NoneOfThem) { EXPECT_TRUE(areSame(form(), expectedForm("ru", "", ""))); }
+TEST_F(FormPorts, NoPorts) { EXPECT_TRUE(areSame(form(), expectedForm("ru", "", ""))); }
 
 TEST_F(FormPorts, EveryFamily) {
   const rig::DeviceFiles files = {"ttyUSB0", "ttyS1", "ttyACM0", "ttyS0"};
@@ -34,19 +34,19 @@ TEST_F(FormPorts, EveryFamily) {
                            "")));
 }
 
-TEST_F(FormPorts, ByNumberAndNotByName) {
+TEST_F(FormPorts, SortedNumerically) {
   const rig::DeviceFiles files = {"ttyS10", "ttyS2"};
   EXPECT_TRUE(
       areSame(form(), expectedForm("ru", choiceItem("3", "COM3") + choiceItem("11", "COM11"), "")));
 }
 
-TEST_F(FormPorts, AMatchInAFolderCountsAsTheFirst) {
+TEST_F(FormPorts, AMatchInASubfolderCountsAsTheFirstPort) {
   rig::DeviceFiles files;
   files.addInFolder("folder", "ttyACM7");
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("65", "Virtual COM1"), "")));
 }
 
-TEST_F(FormPorts, AMatchInAFolderAddsNothingToTheFirst) {
+TEST_F(FormPorts, AMatchInASubfolderDoesNotHideTheFirstPort) {
   rig::DeviceFiles files = {"ttyACM0", "ttyACM1"};
   files.addInFolder("folder", "ttyACM7");
   EXPECT_TRUE(areSame(
@@ -54,36 +54,36 @@ TEST_F(FormPorts, AMatchInAFolderAddsNothingToTheFirst) {
       expectedForm("ru", choiceItem("65", "Virtual COM1") + choiceItem("66", "Virtual COM2"), "")));
 }
 
-TEST_F(FormPorts, ANameWithoutANumberCountsAsTheFirst) {
+TEST_F(FormPorts, ANameWithoutANumberCountsAsTheFirstPort) {
   const rig::DeviceFiles files = {"ttySLAB"};
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("1", "COM1"), "")));
 }
 
-TEST_F(FormPorts, DanglingLinksAreOffered) {
+TEST_F(FormPorts, DanglingLinksAreListed) {
   rig::DeviceFiles files;
   files.addDanglingLink("ttyUSB3");
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("132", "USB COM4"), "")));
 }
 
-TEST_F(FormPorts, APortPluggedInLaterIsThereTheNextTime) {
+TEST_F(FormPorts, APortPluggedInLaterIsListedNextTime) {
   EXPECT_TRUE(areSame(form(), expectedForm("ru", "", "")));
   const rig::DeviceFiles files = {"ttyUSB0"};
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("129", "USB COM1"), "")));
 }
 
-TEST_F(FormPorts, WithoutFindThereAreNoPortsAndTheRestOfTheForm) {
+TEST_F(FormPorts, WithoutFindOnlyThePortsAreMissing) {
   const rig::DeviceFiles files = {"ttyS0", "ttyUSB0"};
   const rig::ScopedVariable path("PATH", "");
   EXPECT_TRUE(areSame(form(), expectedForm("ru", "", "")));
 }
 
-TEST_F(FormPorts, ADisplayOutOfReachLeavesTheRestOfTheForm) {
+TEST_F(FormPorts, AnUnreachableDisplayLeavesTheRestOfTheForm) {
   const rig::DeviceFiles files = {"ttyS0"};
   const rig::ScopedVariable unreachable("DISPLAY", ":nowhere");
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("1", "COM1"), "")));
 }
 
-TEST_F(FormPorts, NothingOfTheFormIsLeftBehind) {
+TEST_F(FormPorts, LeaksNothing) {
   form();
   const std::size_t descriptors = rig::descriptorCount();
   for (int i = 0; i < 10; ++i) form();

@@ -1,4 +1,4 @@
-// A component with a host around it.
+// A component between doubles of its host.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ enum MethodNumber : long {
 
 class ComponentTest : public RestoredSettings {
  protected:
-  // Gives the component what a host gives it before it calls its methods.
+  // Does what a host does before it calls methods.
   void connect() {
     EXPECT_TRUE(component_.setMemManager(&memory_));
     EXPECT_TRUE(component_.Init(&connection_));
@@ -42,7 +42,7 @@ class ComponentTest : public RestoredSettings {
     return callAgain(method);
   }
 
-  // Calls it with the variants as they are.
+  // Calls it with the variants as they are now.
   bool callAgain(long method) {
     return component_.CallAsFunc(method, &ret_, params_.data(), component_.GetNParams(method));
   }
@@ -60,7 +60,7 @@ class ComponentTest : public RestoredSettings {
     return resultFlag();
   }
 
-  // The result as the boolean that it must be.
+  // The result, which must be a boolean.
   bool resultFlag() const {
     EXPECT_EQ(ret_.vt, 11);
     return ret_.i8 != 0;

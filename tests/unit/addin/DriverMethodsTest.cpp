@@ -277,7 +277,7 @@ TEST_F(DriverMethods, WithoutAMemoryManagerTextsAreNull) {
   EXPECT_EQ(params_[0].wide.text, nullptr);
 }
 
-TEST_F(DriverMethods, AnExceptionInsideIsAFailedCall) {
+TEST_F(DriverMethods, AnExceptionMakesTheCallFail) {
   memory_.answer = FakeMemoryManager::Answer::kException;
   for (const long method : {test::kGetVersion, test::kGetDescription, test::kGetLastError,
                             test::kDeviceTest, test::kGetAdditionalActions}) {

@@ -30,7 +30,7 @@ std::u16string registeredName(IComponentBase& component) {
   return name;
 }
 
-TEST_F(EntryPoints, NameTheClassesAtTheSamePlaceEveryTime) {
+TEST_F(EntryPoints, GetClassNamesAlwaysReturnsTheSamePointer) {
   const WCHAR_T* const names = GetClassNames();
   EXPECT_EQ(std::u16string(names), u"InputDevice|CardReaderDevice");
   EXPECT_EQ(GetClassNames(), names);
@@ -48,7 +48,7 @@ TEST_F(EntryPoints, CreateAComponentOfEachClass) {
   }
 }
 
-TEST_F(EntryPoints, CreateNothingOfAnUnknownClass) {
+TEST_F(EntryPoints, CreateNothingForAnUnknownClass) {
   const std::u16string longName(10000, u'x');
   const WCHAR_T* const noName = nullptr;
   for (const WCHAR_T* const name :
@@ -60,7 +60,7 @@ TEST_F(EntryPoints, CreateNothingOfAnUnknownClass) {
   }
 }
 
-TEST_F(EntryPoints, LeaveAnObjectThatIsAlreadyThere) {
+TEST_F(EntryPoints, KeepAnObjectThatIsAlreadyThere) {
   IComponentBase* component = nullptr;
   GetClassObject(u"InputDevice", &component);
   IComponentBase* const before = component;
@@ -71,7 +71,7 @@ TEST_F(EntryPoints, LeaveAnObjectThatIsAlreadyThere) {
   DestroyObject(&component);
 }
 
-TEST_F(EntryPoints, ComponentsAreOnTheirOwn) {
+TEST_F(EntryPoints, ComponentsAreIndependent) {
   IComponentBase* first = nullptr;
   IComponentBase* second = nullptr;
   GetClassObject(u"InputDevice", &first);
@@ -82,7 +82,7 @@ TEST_F(EntryPoints, ComponentsAreOnTheirOwn) {
   DestroyObject(&second);
 }
 
-TEST_F(EntryPoints, ThereIsNothingToDestroyTwice) {
+TEST_F(EntryPoints, DestroyingTwiceFails) {
   IComponentBase* component = nullptr;
   EXPECT_EQ(DestroyObject(&component), -1);
   GetClassObject(u"InputDevice", &component);
@@ -90,13 +90,13 @@ TEST_F(EntryPoints, ThereIsNothingToDestroyTwice) {
   EXPECT_EQ(DestroyObject(&component), -1);
 }
 
-TEST_F(EntryPoints, NoSlotIsAFailure) {
+TEST_F(EntryPoints, ANullSlotIsAFailure) {
   EXPECT_EQ(GetClassObject(u"InputDevice", nullptr), 0);
   EXPECT_EQ(GetClassObject(nullptr, nullptr), 0);
   EXPECT_EQ(DestroyObject(nullptr), -1);
 }
 
-TEST_F(EntryPoints, AnyPlatformIsFine) {
+TEST_F(EntryPoints, AnyPlatformIsAccepted) {
   for (const int capabilities : {0, 1, 2, 3, -1, INT_MIN, INT_MAX}) {
     EXPECT_EQ(SetPlatformCapabilities(capabilities), 1);
   }

@@ -40,7 +40,7 @@ TEST_F(ComponentTest, InitAsksForAQueueOf4096Events) {
   EXPECT_EQ(connection_.reservedCalls, 0);
 }
 
-TEST_F(ComponentTest, InitGivesTheHostsAnswer) {
+TEST_F(ComponentTest, InitReturnsTheHostsAnswer) {
   connection_.takesDepth = false;
   EXPECT_FALSE(component_.Init(&connection_));
 }
@@ -50,7 +50,7 @@ TEST_F(ComponentTest, InitWithoutAConnectionFails) {
   component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
 }
 
-TEST_F(ComponentTest, InitMayComeAgain) {
+TEST_F(ComponentTest, InitMayBeCalledAgain) {
   rig::FakeConnection other;
   EXPECT_TRUE(component_.Init(&connection_));
   EXPECT_TRUE(component_.Init(&other));
@@ -61,7 +61,7 @@ TEST_F(ComponentTest, InitMayComeAgain) {
   EXPECT_EQ(connection_.depths.size(), 2u);
 }
 
-TEST_F(ComponentTest, InitWithoutAConnectionAfterwardsEndsTheEventsOnly) {
+TEST_F(ComponentTest, ALaterInitWithoutAConnectionOnlyStopsEvents) {
   connect();
   EXPECT_FALSE(component_.Init(nullptr));
   component_.OnInput(L"id", 16, 0, L"MTIz");
@@ -72,18 +72,18 @@ TEST_F(ComponentTest, InitWithoutAConnectionAfterwardsEndsTheEventsOnly) {
   EXPECT_EQ(connection_.events().size(), 1u);
 }
 
-TEST_F(ComponentTest, InitPassesNoExceptionOn) {
+TEST_F(ComponentTest, InitThrowsNothing) {
   connection_.throwsOnDepth = true;
   EXPECT_FALSE(component_.Init(&connection_));
 }
 
-TEST_F(ComponentTest, AMemoryManagerIsTakenUnlessItIsNone) {
+TEST_F(ComponentTest, ANullMemoryManagerIsReportedAsFailure) {
   EXPECT_TRUE(component_.setMemManager(&memory_));
   EXPECT_FALSE(component_.setMemManager(nullptr));
   EXPECT_EQ(component_.GetMethodName(0, 0), nullptr);
 }
 
-TEST_F(ComponentTest, TheInterfaceRevisionIs2004) { EXPECT_EQ(component_.GetInfo(), 2004); }
+TEST_F(ComponentTest, ReportsInterfaceRevision2004) { EXPECT_EQ(component_.GetInfo(), 2004); }
 
 TEST_F(ComponentTest, DoneDoesNothing) {
   component_.Done();
@@ -94,7 +94,7 @@ TEST_F(ComponentTest, DoneDoesNothing) {
   EXPECT_EQ(connection_.events().size(), 1u);
 }
 
-TEST_F(ComponentTest, IsRegisteredUnderItsExtensionName) {
+TEST_F(ComponentTest, RegistersUnderItsExtensionName) {
   connect();
   WCHAR_T* name = nullptr;
   EXPECT_TRUE(component_.RegisterExtensionAs(&name));
@@ -102,7 +102,7 @@ TEST_F(ComponentTest, IsRegisteredUnderItsExtensionName) {
   EXPECT_EQ(memory_.requests, std::vector<unsigned long>{24});
 }
 
-TEST_F(ComponentTest, IsNotRegisteredWithoutMemory) {
+TEST_F(ComponentTest, DoesNotRegisterWithoutMemory) {
   WCHAR_T* name = nullptr;
   EXPECT_FALSE(component_.RegisterExtensionAs(&name));
   EXPECT_EQ(name, nullptr);
@@ -161,7 +161,7 @@ TEST_F(ComponentTest, MethodNamesAreExact) {
   EXPECT_EQ(component_.FindMethod(nullptr), -1);
 }
 
-TEST_F(ComponentTest, OtherNumbersAreNoMethods) {
+TEST_F(ComponentTest, OtherNumbersAreNotMethods) {
   connect();
   for (const long number : kOddNumbers) {
     SCOPED_TRACE(testing::Message() << "method " << number);
@@ -184,7 +184,7 @@ TEST_F(ComponentTest, MethodNamesHaveTwoLanguages) {
   }
 }
 
-TEST_F(ComponentTest, MethodNamesNeedMemoryOfTheHost) {
+TEST_F(ComponentTest, MethodNamesNeedTheHostsMemory) {
   EXPECT_EQ(component_.GetMethodName(5, 0), nullptr);
   component_.setMemManager(&memory_);
   for (const auto answer :
@@ -206,7 +206,7 @@ TEST_F(ComponentTest, NoParameterHasADefault) {
   }
 }
 
-TEST_F(ComponentTest, NoMethodIsAProcedure) {
+TEST_F(ComponentTest, NoMethodCanBeCalledAsAProcedure) {
   connect();
   for (long number = -1; number <= 10; ++number) {
     params_.fill(rig::untouchedVariant());
@@ -252,7 +252,7 @@ TEST_F(ComponentTest, OnceRussianStaysRussian) {
   EXPECT_EQ(AppSettings::locale(), 0u);
 }
 
-TEST_F(ComponentTest, ALongLocaleIsALocale) {
+TEST_F(ComponentTest, LocaleNamesMayBeLong) {
   AppSettings::setLocale(1);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   english.SetLocale(std::u16string(10000, u'x').c_str());
@@ -281,8 +281,8 @@ class OnInputTest : public ComponentTest {
   }
 };
 
-TEST_F(OnInputTest, RaisesOneEventInTheLanguageOfTheProcess) {
-  // The component's own language is Russian here.
+TEST_F(OnInputTest, RaisesOneEventInTheProcessWideLanguage) {
+  // The component itself is Russian throughout.
   const struct {
     unsigned locale;
     int equipment, dataType;
@@ -307,7 +307,7 @@ TEST_F(OnInputTest, RaisesOneEventInTheLanguageOfTheProcess) {
   EXPECT_EQ(connection_.events(), expected);
 }
 
-TEST_F(OnInputTest, GivesTheDataInItsForm) {
+TEST_F(OnInputTest, ConvertsTheDataToItsOutputType) {
   input(32, 1, L"AkFCDQo=");  // 02 41 42 0D 0A
   input(16, 0, L"0J/RgNC40LLQtdGC");
   input(16, 1, L"0J8=");
@@ -318,7 +318,7 @@ TEST_F(OnInputTest, GivesTheDataInItsForm) {
             (std::vector<std::u16string>{u"(002)AB(013010)", u"Привет", u"(208159)", u"\uF600"}));
 }
 
-TEST_F(OnInputTest, EmptyDataIsAnEventToo) {
+TEST_F(OnInputTest, RaisesAnEventForEmptyData) {
   for (const int dataType : {0, 1, 2}) input(16, dataType, L"");
   const std::vector<Event> events = connection_.events();
   ASSERT_EQ(events.size(), 3u);
@@ -339,12 +339,12 @@ TEST_F(OnInputTest, WithoutAConnectionNothingHappens) {
   unconnected.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
 }
 
-TEST_F(OnInputTest, UsesNoMemoryOfTheHost) {
+TEST_F(OnInputTest, UsesNoneOfTheHostsMemory) {
   input(16, 0, L"MTIz");
   EXPECT_TRUE(memory_.requests.empty());
 }
 
-TEST_F(OnInputTest, ComesFromSeveralThreadsWhileTheHostGoesOn) {
+TEST_F(OnInputTest, MayRunOnSeveralThreadsBesideTheHostsCalls) {
   constexpr int kReaders = 3;
   constexpr int kRounds = 300;
   AppSettings::setLocale(1);

@@ -48,7 +48,7 @@ TEST(Interfaces, ConnectionSlots) {
   EXPECT_EQ(rig::slotOf(&IAddInDefBaseEx::ExternalEvent), 8u);
 }
 
-// The bases stand one after another, each with a table of its own.
+// The bases lie one after another, each with its own table of virtual functions.
 TEST(Interfaces, ComponentBasesInOrder) {
   alignas(IComponentBase) std::byte storage[sizeof(IComponentBase)];
   auto* const component = reinterpret_cast<IComponentBase*>(storage);

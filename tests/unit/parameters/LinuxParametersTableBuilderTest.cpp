@@ -1,4 +1,4 @@
-// The settings form of a machine whose serial device files the test invents.
+// The settings form for made-up serial device files.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -21,8 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 using Builder = LinuxParametersTableBuilder;
 
-// Stands in for find(1): the only program to be found, it prints what the test wants for a pattern.
-// While it lives there is no display either.
+// Replaces find(1) by a program that prints what the test wants for each pattern. It is the only
+// program on the PATH, and there is no display either.
 class FakeFind {
  public:
   FakeFind() {
@@ -116,7 +116,7 @@ TEST(LinuxParametersTableBuilder, PortWithoutSerialDevices) {
             L"<ChoiceList><Item Value=\"0\">Keyboard</Item></ChoiceList></Parameter>");
 }
 
-TEST(LinuxParametersTableBuilder, ThePartsNoSystemFillsAreEmptyHereToo) {
+TEST(LinuxParametersTableBuilder, ExtensionPointsAreEmpty) {
   Builder builder(false);
   builder.BuildBitsPart();
   builder.BuildPrefixPart();
@@ -125,12 +125,12 @@ TEST(LinuxParametersTableBuilder, ThePartsNoSystemFillsAreEmptyHereToo) {
   EXPECT_EQ(builder.GetProduct(), L"");
 }
 
-TEST(COMDevicesList, IsEmptyWhereFindCannotRun) {
+TEST(COMDevicesList, IsEmptyWhenFindCannotRun) {
   const rig::ScopedVariable path("PATH", "");
   EXPECT_EQ(Builder(false).GetCOMDevicesList("ttyS", L"COM", 0), L"");
 }
 
-TEST(COMDevicesList, IsSortedByNumberAndNotByText) {
+TEST(COMDevicesList, IsSortedNumerically) {
   EXPECT_EQ(comPorts("/dev/ttyS10\n/dev/ttyS2\n"),
             wideItem(L"3", L"COM3") + wideItem(L"11", L"COM11"));
 }
@@ -142,27 +142,27 @@ TEST(COMDevicesList, CountsFromTheBaseOfTheFamily) {
             wideItem(L"136", L"USB COM8"));
 }
 
-TEST(COMDevicesList, TakesWhatHasNoNumberForTheFirstFile) {
+TEST(COMDevicesList, CountsAFileWithoutANumberAsTheFirst) {
   EXPECT_EQ(comPorts("/dev/folder/ttyS5\n"), wideItem(L"1", L"COM1"));
   EXPECT_EQ(comPorts("/dev/ttySx\n"), wideItem(L"1", L"COM1"));
   EXPECT_EQ(comPorts("/dev/ttyS\n/dev/ttyS3\n"), wideItem(L"1", L"COM1") + wideItem(L"4", L"COM4"));
 }
 
-TEST(COMDevicesList, OffersEachNumberOnce) {
+TEST(COMDevicesList, ListsEachNumberOnce) {
   EXPECT_EQ(comPorts("/dev/ttyS0\n/dev/folder/ttyS5\n/dev/ttyS0\n"), wideItem(L"1", L"COM1"));
 }
 
-TEST(COMDevicesList, ReadsTheNumberUpToWhatFollowsIt) {
+TEST(COMDevicesList, IgnoresTextAfterTheNumber) {
   EXPECT_EQ(comPorts("/dev/ttyS4.lock\n"), wideItem(L"5", L"COM5"));
   EXPECT_EQ(comPorts("/dev/ttyS007\n"), wideItem(L"8", L"COM8"));
 }
 
-TEST(COMDevicesList, CutsALineThatIsTooLongInTwo) {
+TEST(COMDevicesList, SplitsALineThatIsTooLong) {
   const std::string name = "/dev/ttyS6" + std::string(600, '.');
   EXPECT_EQ(comPorts(name + "\n"), wideItem(L"1", L"COM1") + wideItem(L"7", L"COM7"));
 }
 
-TEST(COMDevicesList, SurvivesNumbersThatNoPortHas) {
+TEST(COMDevicesList, AcceptsNumbersOutOfRange) {
   EXPECT_EQ(comPorts("/dev/ttyS2147483647\n"), wideItem(L"2147483648", L"COM2147483648"));
   EXPECT_EQ(comPorts("/dev/ttyS99999999999999999999\n"), wideItem(L"1", L"COM1"));
   EXPECT_EQ(comPorts("/dev/ttyS-5\n"), wideItem(L"-4", L"COM-4"));

@@ -1,4 +1,4 @@
-// The settings form without a machine: the parts that are the same everywhere.
+// The parts of the settings form that do not depend on the machine.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -43,7 +43,7 @@ TEST(ParametersTableBuilder, SlotsInOrder) {
 
 TEST(ParametersTableBuilder, StartsEmpty) { EXPECT_EQ(Builder(true).GetProduct(), L""); }
 
-TEST(ParametersTableBuilder, HooksWithoutAPartAppendNothing) {
+TEST(ParametersTableBuilder, EmptyHooksAppendNothing) {
   Builder builder(false);
   builder.BuildPortPart();
   builder.BuildKeyboardDevicePart();
@@ -56,8 +56,8 @@ TEST(ParametersTableBuilder, HooksWithoutAPartAppendNothing) {
   EXPECT_EQ(builder.GetProduct(), L"");
 }
 
-// Writes down which hooks are called. Each leaves its name in the document, so that the place of
-// the part without a hook is seen too.
+// Records the calls of the hooks in the document, which also shows where the part without a hook
+// is.
 class RecordingBuilder : public Builder {
  public:
   RecordingBuilder() : Builder(false) {}
@@ -121,7 +121,7 @@ TEST(ParametersTableBuilder, HeaderInBothLanguages) {
             start + L"<Page Caption=\"Параметры\"><Group Caption=\"Параметры подключения\">");
 }
 
-TEST(ParametersTableBuilder, TimeoutClosesItselfAndHasNoChoices) {
+TEST(ParametersTableBuilder, TimeoutIsASelfClosingElement) {
   EXPECT_EQ(
       countOf(L"<Parameter Name=\"TimeoutCOM\" Caption=\"COM-port Timeout (ms)\" "
               L"TypeValue=\"Number\" DefaultValue=\"5\" MasterParameterOperation=\"NotEqual\" "
@@ -137,7 +137,7 @@ TEST(ParametersTableBuilder, OutputDataTypeNeverOffersTheHumanReadableForm) {
   EXPECT_EQ(countOf(L"<Item Value=\"1\">", builder.GetProduct()), 0u);
 }
 
-TEST(SymbolChoiceList, HasNoneAndTheWholeOfAscii) {
+TEST(SymbolChoiceList, HasNoneAndAllOfAscii) {
   const std::wstring list = Builder(true).GetSymbolChoiceList();
   EXPECT_EQ(countOf(L"<Item ", list), 129u);
   EXPECT_TRUE(list.starts_with(
@@ -145,7 +145,7 @@ TEST(SymbolChoiceList, HasNoneAndTheWholeOfAscii) {
   EXPECT_TRUE(list.ends_with(L"<Item Value=\"127\">127 (DEL)</Item></ChoiceList>"));
 }
 
-TEST(SymbolChoiceList, NamesWhatCannotBeSeenAndCodesTheRest) {
+TEST(SymbolChoiceList, NamesControlCharactersAndEscapesTheRest) {
   const std::wstring list = Builder(false).GetSymbolChoiceList();
   for (const wchar_t* const item :
        {L"<Item Value=\"9\">9 (TAB)</Item>", L"<Item Value=\"13\">13 (CR)</Item>",
@@ -165,7 +165,7 @@ TEST(SymbolChoiceList, IsTheListOfTheSuffix) {
                 Builder(false).GetSymbolChoiceList() + L"</Parameter>");
 }
 
-TEST(GSSymbolPart, OffersEveryKeyAfterNone) {
+TEST(GSSymbolPart, ListsNoneAndEveryKey) {
   const std::wstring part = productOf(&Builder::BuildGSSymbolPart);
   EXPECT_EQ(countOf(L"<Item ", part), 22u);
   EXPECT_EQ(countOf(L"<ChoiceList><Item Value=\"-1\">&lt;NONE&gt;</Item>"

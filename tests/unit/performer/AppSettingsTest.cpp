@@ -15,14 +15,14 @@ namespace {
 
 using AppSettingsTest = test::RestoredSettings;
 
-// Before anything else has touched the settings, and that is while the tests are being registered.
+// Read during static initialization, before any test has changed the settings.
 const struct {
   unsigned locale = AppSettings::locale();
   unsigned ioDataType = AppSettings::ioDataType();
   unsigned deviceType = AppSettings::deviceType();
 } kAtLoadTime;
 
-TEST_F(AppSettingsTest, StartRussianWithTextFromABarcodeScanner) {
+TEST_F(AppSettingsTest, HaveTheirInitialValues) {
   EXPECT_EQ(kAtLoadTime.locale, 0u);
   EXPECT_EQ(kAtLoadTime.ioDataType, 0u);
   EXPECT_EQ(kAtLoadTime.deviceType, 16u);
@@ -41,7 +41,7 @@ const Setting kSettings[] = {
     {"deviceType", AppSettings::deviceType, AppSettings::setDeviceType, 32},
 };
 
-TEST_F(AppSettingsTest, KeepEveryValueInTheirRange) {
+TEST_F(AppSettingsTest, KeepEveryValueInRange) {
   for (const Setting& setting : kSettings) {
     for (unsigned value = 0; value <= setting.last; ++value) {
       setting.set(value);
@@ -50,7 +50,7 @@ TEST_F(AppSettingsTest, KeepEveryValueInTheirRange) {
   }
 }
 
-TEST_F(AppSettingsTest, IgnoreEveryOtherValue) {
+TEST_F(AppSettingsTest, IgnoreValuesOutOfRange) {
   for (const Setting& setting : kSettings) {
     for (const unsigned kept : {0u, 1u}) {
       setting.set(kept);
@@ -63,7 +63,7 @@ TEST_F(AppSettingsTest, IgnoreEveryOtherValue) {
   }
 }
 
-TEST_F(AppSettingsTest, AreIndependentOfEachOther) {
+TEST_F(AppSettingsTest, DoNotAffectEachOther) {
   AppSettings::setLocale(1);
   EXPECT_EQ(AppSettings::ioDataType(), 0u);
   EXPECT_EQ(AppSettings::deviceType(), 16u);
@@ -74,7 +74,7 @@ TEST_F(AppSettingsTest, AreIndependentOfEachOther) {
   EXPECT_EQ(AppSettings::deviceType(), 32u);
 }
 
-TEST_F(AppSettingsTest, AnAbsentValueIsTheDefaultTypeCodeIncluded) {
+TEST_F(AppSettingsTest, AnAbsentValueIsTheDefaultIncludingItsTypeCode) {
   const tVariant fallback = rig::untouchedVariant();
   EXPECT_TRUE(rig::sameBytes(AppSettings::value(L"absent", fallback), fallback));
   EXPECT_EQ(AppSettings::value(L"absent", rig::numberVariant(5)).vt, 3);
@@ -86,14 +86,14 @@ TEST_F(AppSettingsTest, AValueIsKeptBitByBit) {
   EXPECT_TRUE(rig::sameBytes(AppSettings::value(L"bits", rig::numberVariant(0)), value));
 }
 
-TEST_F(AppSettingsTest, OnlyTheLastOfTwoValuesIsKept) {
+TEST_F(AppSettingsTest, ALaterValueReplacesAnEarlierOne) {
   AppSettings::setValue(L"twice", rig::numberVariant(1));
   AppSettings::setValue(L"twice", rig::numberVariant(2));
   EXPECT_EQ(AppSettings::value(L"twice", rig::numberVariant(0)).intValue, 2);
   EXPECT_EQ(AppSettings::value(L"Twice", rig::numberVariant(0)).intValue, 0);
 }
 
-TEST_F(AppSettingsTest, AStringIsKeptAsItsPointer) {
+TEST_F(AppSettingsTest, OfAStringOnlyThePointerIsKept) {
   const std::u16string text = u"text";
   AppSettings::setValue(L"text", rig::textVariant(text.c_str()));
   const tVariant value = AppSettings::value(L"text", rig::numberVariant(0));
@@ -101,7 +101,7 @@ TEST_F(AppSettingsTest, AStringIsKeptAsItsPointer) {
   EXPECT_EQ(value.wide.length, 4u);
 }
 
-TEST_F(AppSettingsTest, AnyNumberOfThreadsMayUseThem) {
+TEST_F(AppSettingsTest, MayBeUsedByManyThreads) {
   constexpr int kRounds = 2000;
   constexpr int kThreads = 4;
   std::vector<std::thread> threads;

@@ -1,4 +1,4 @@
-// The settings form that the performer answers with, in the language of the settings store.
+// GetParameters of the performer, in the language of the settings store.
 #include <gtest/gtest.h>
 
 #include "performer/AppSettings.h"
@@ -10,7 +10,7 @@
 namespace quorvel {
 namespace {
 
-// A machine without devices: the performer needs no more to be asked.
+// Runs as if the machine had no devices.
 class GetParameters : public testing::Test {
  protected:
   ~GetParameters() override { AppSettings::setLocale(localeBefore_); }
@@ -31,7 +31,7 @@ TEST_F(GetParameters, IsTheFormInTheLanguageOfTheLocale) {
   EXPECT_TRUE(rig::areSame(formIn(1), rig::expectedForm("en", "", "")));
 }
 
-TEST_F(GetParameters, IsBuiltAnewEachTime) {
+TEST_F(GetParameters, CanBeCalledAgain) {
   const std::string once = formIn(0);
   EXPECT_EQ(formIn(0), once);
 }

@@ -11,7 +11,7 @@
 namespace quorvel {
 namespace {
 
-// Counts how often its like is copied whole.
+// Counts its copies.
 struct CountingMap : std::map<std::wstring, int> {
   CountingMap() = default;
   CountingMap(const CountingMap& other) : std::map<std::wstring, int>(other) { ++copies; }
@@ -33,7 +33,7 @@ TEST(KeyValue, AKeyGivesTheValueSetLast) {
   EXPECT_EQ(values.value(L"Key", 5), 5);
 }
 
-TEST(KeyValue, TakesAnyKey) {
+TEST(KeyValue, AcceptsAnyKey) {
   KeyValue<std::wstring, int> values;
   const std::wstring longKey(10000, L'Ж');
   const std::wstring zeros(3, L'\0');
@@ -53,7 +53,7 @@ TEST(KeyValue, KeepsAWholeVariant) {
   EXPECT_TRUE(rig::sameBytes(values.value(L"other", stored), stored));
 }
 
-TEST(KeyValue, ACopyKeepsWhatItSaw) {
+TEST(KeyValue, ACopyIsUnaffectedByLaterChanges) {
   KeyValue<std::wstring, int> values;
   values.setValue(L"key", 1);
   const KeyValue<std::wstring, int> snapshot = values;
@@ -65,7 +65,7 @@ TEST(KeyValue, ACopyKeepsWhatItSaw) {
   EXPECT_EQ(values.value(L"new", 0), 3);
 }
 
-TEST(KeyValue, ASharedMapIsCopiedOnceAndAnOwnMapNever) {
+TEST(KeyValue, CopiesTheMapOnlyWhileItIsShared) {
   CountingMap::copies = 0;
   KeyValue<std::wstring, int, CountingMap> values;
   values.setValue(L"a", 1);
@@ -86,12 +86,12 @@ TEST(KeyValue, ASharedMapIsCopiedOnceAndAnOwnMapNever) {
   EXPECT_EQ(CountingMap::copies, 1);
 }
 
-TEST(KeyValue, IsEmptyAndUsableAfterItsMapWasMovedAway) {
+TEST(KeyValue, IsEmptyAndUsableAfterAMove) {
   KeyValue<std::wstring, int> values;
   values.setValue(L"key", 1);
   const KeyValue<std::wstring, int> taken = std::move(values);
   EXPECT_EQ(taken.value(L"key", 0), 1);
-  // NOLINTBEGIN(bugprone-use-after-move): this is what is tried here.
+  // NOLINTBEGIN(bugprone-use-after-move): that is what this test is about.
   EXPECT_EQ(values.value(L"key", 7), 7);
   values.setValue(L"key", 2);
   EXPECT_EQ(values.value(L"key", 7), 2);
@@ -99,7 +99,7 @@ TEST(KeyValue, IsEmptyAndUsableAfterItsMapWasMovedAway) {
   EXPECT_EQ(taken.value(L"key", 0), 1);
 }
 
-TEST(KeyValue, IsDestroyedThroughItsInterface) {
+TEST(KeyValue, CanBeDestroyedThroughItsInterface) {
   EXPECT_TRUE((std::has_virtual_destructor_v<KeyValueInterface<std::wstring, int>>));
   const auto shared = std::make_shared<int>(5);
   auto values = std::make_unique<KeyValue<std::wstring, std::shared_ptr<int>>>();

@@ -1,4 +1,4 @@
-// The registry with a device that really opens.
+// OpenDevice on a port that can be opened.
 #include <gtest/gtest.h>
 
 #include "tests/rig/Driver.h"
@@ -8,7 +8,7 @@
 namespace quorvel {
 namespace {
 
-TEST(OpenDevice, AnIdentifierThatIsOpenKeepsItsDevice) {
+TEST(OpenDevice, AnIdentifierInUseKeepsItsDevice) {
   terminal::SerialLine line(terminal::LineSetting::kFramed);
   line.link("/dev/ttyUSB0");
   test::OpenPerformer performer;
@@ -21,7 +21,7 @@ TEST(OpenDevice, AnIdentifierThatIsOpenKeepsItsDevice) {
   EXPECT_TRUE(performer.OpenDevice(L"A"));
   EXPECT_EQ(performer.devices_.size(), 1U);
   EXPECT_EQ(performer.devices_.at(L"A").get(), first);
-  // The second device is closed by the time the call returns.
+  // The second device was closed before the call returned.
   EXPECT_EQ(rig::descriptorCount(), descriptors);
 }
 

@@ -1,4 +1,4 @@
-// A performer whose members a test may look at.
+// A performer that gives tests access to its members.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The parameters of the performer: their defaults, their setters, and what each type of value does.
+// The performer's parameters: their defaults, and which types of values they accept.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -24,7 +24,7 @@ using rig::textVariant;
 using rig::variantOfType;
 using test::OpenPerformer;
 
-// Everything that a parameter can change, by name and as text.
+// Everything that parameters can change, as text.
 using Snapshot = std::map<std::string, std::wstring>;
 
 Snapshot snapshotOf(const OpenPerformer& performer) {
@@ -87,7 +87,7 @@ enum class Takes { kNumber, kCharacter, kText, kAnything, kEquipment, kBoolean }
 struct Parameter {
   const wchar_t* name;
   Takes takes;
-  std::vector<std::string> fields;  // what it changes
+  std::vector<std::string> fields;  // the fields it sets
   bool isUnsigned = false;
 };
 
@@ -109,7 +109,7 @@ const std::vector<Parameter> kParameters = {
     {L"IgnoreKeyboardState", Takes::kBoolean, {"keyboard ignoreKeyboardState"}},
 };
 
-// What a number leaves in the fields of a parameter.
+// The fields of a parameter after it was set to a number.
 std::wstring afterNumber(const Parameter& parameter, std::int32_t number) {
   if (parameter.takes == Takes::kCharacter) {
     return number == -1 ? L""s : std::wstring(1, static_cast<wchar_t>(number));
@@ -130,7 +130,7 @@ Snapshot defaultsWith(const std::vector<std::string>& fields, const std::wstring
 
 class ParametersTest : public test::RestoredSettings {
  protected:
-  // Sets a parameter of a fresh performer and returns what the performer is then.
+  // The state of a new performer after setting one parameter.
   static Snapshot after(const wchar_t* name, const tVariant& value) {
     OpenPerformer performer;
     EXPECT_TRUE(set(performer, name, value));
@@ -158,7 +158,7 @@ TEST_F(ParametersTest, AreFifteen) {
   EXPECT_EQ(names.size(), 15u);
 }
 
-TEST_F(ParametersTest, NumbersAreStoredWithoutARangeTest) {
+TEST_F(ParametersTest, NumbersAreStoredWithoutARangeCheck) {
   for (const Parameter& parameter : kParameters) {
     if (!takesNumbers(parameter)) continue;
     for (const std::int32_t number :
@@ -170,7 +170,7 @@ TEST_F(ParametersTest, NumbersAreStoredWithoutARangeTest) {
   }
 }
 
-TEST_F(ParametersTest, NumbersAreTakenFromTheTypesOfNumbersOnly) {
+TEST_F(ParametersTest, NumbersAreAcceptedFromSomeNumericTypesOnly) {
   const std::set<unsigned> numbers = {2, 3, 10, 14};
   const std::set<unsigned> doubles = {4, 5};
   for (const Parameter& parameter : kParameters) {
@@ -199,7 +199,7 @@ TEST_F(ParametersTest, AStringLeavesTheSpeedAt9600) {
   EXPECT_EQ(after(L"Speed", textVariant(u"19200")), kDefaults);
 }
 
-TEST_F(ParametersTest, CharactersAreStringsOfOneCharacterOrNone) {
+TEST_F(ParametersTest, ACharacterCodeGivesAStringAndMinusOneAnEmptyOne) {
   EXPECT_EQ(after(L"Prefix", numberVariant(-1)).at("keyboard prefix"), L"");
   EXPECT_EQ(after(L"Prefix", numberVariant(2)).at("keyboard prefix"), L"\x02");
   EXPECT_EQ(after(L"Prefix", numberVariant(0)).at("keyboard prefix"), L"\0"s);
@@ -211,7 +211,7 @@ TEST_F(ParametersTest, CharactersAreStringsOfOneCharacterOrNone) {
   EXPECT_EQ(none.at("com suffix"), L"");
 }
 
-TEST_F(ParametersTest, TextsAreTakenFromWideStringsOnly) {
+TEST_F(ParametersTest, TextsAreAcceptedFromWideStringsOnly) {
   for (const Parameter& parameter : kParameters) {
     if (parameter.takes != Takes::kText) continue;
     for (const unsigned type : rig::typeCodes()) {
@@ -225,7 +225,7 @@ TEST_F(ParametersTest, TextsAreTakenFromWideStringsOnly) {
   }
 }
 
-TEST_F(ParametersTest, ANumberIsNeverFollowedAsAText) {
+TEST_F(ParametersTest, ANumberIsNeverFollowedAsAPointer) {
   for (const wchar_t* const name : {L"KeyboardDevice", L"COMEncoding", L"EquipmentType"}) {
     EXPECT_EQ(after(name, numberVariant(1)), kDefaults);
     EXPECT_EQ(after(name, doubleVariant(1.1)), kDefaults);
@@ -233,7 +233,7 @@ TEST_F(ParametersTest, ANumberIsNeverFollowedAsAText) {
   }
 }
 
-TEST_F(ParametersTest, ANullPointerIsTheEmptyTextWhateverItsTypeAndLength) {
+TEST_F(ParametersTest, ANullPointerIsTheEmptyText) {
   for (const Parameter& parameter : kParameters) {
     if (parameter.takes != Takes::kText) continue;
     for (const unsigned type : rig::typeCodes()) {
@@ -250,7 +250,7 @@ TEST_F(ParametersTest, ANullPointerIsTheEmptyTextWhateverItsTypeAndLength) {
   }
 }
 
-TEST_F(ParametersTest, TextsHaveTheLengthOfTheirVariant) {
+TEST_F(ParametersTest, TextsHaveTheLengthGivenInTheVariant) {
   EXPECT_EQ(after(L"COMEncoding", textVariant(u"Windows-1251", 7)).at("com comEncoding"),
             L"Windows");
   EXPECT_EQ(after(L"COMEncoding", textVariant(u"Windows-1251", 0)).at("com comEncoding"),
@@ -270,7 +270,7 @@ TEST_F(ParametersTest, TextsMayBeLong) {
             defaultsWith({"equipment text"}, expected));
 }
 
-TEST_F(ParametersTest, LogFileFolderTakesAnythingAndChangesNothing) {
+TEST_F(ParametersTest, LogFileFolderAcceptsAnythingAndChangesNothing) {
   for (const unsigned type : rig::typeCodes()) {
     EXPECT_EQ(after(L"LogFileFolder", numberVariant(77, type)), kDefaults) << type;
   }
@@ -278,16 +278,16 @@ TEST_F(ParametersTest, LogFileFolderTakesAnythingAndChangesNothing) {
   EXPECT_EQ(after(L"LogFileFolder", textVariant(nullptr, 10)), kDefaults);
 }
 
-TEST_F(ParametersTest, IgnoreKeyboardStateTakesBooleansOnly) {
+TEST_F(ParametersTest, IgnoreKeyboardStateAcceptsBooleansOnly) {
   for (const unsigned type : rig::typeCodes()) {
-    // All zeros: false, for what is a boolean.
+    // All bytes are zero: a boolean is false.
     EXPECT_EQ(after(L"IgnoreKeyboardState", variantOfType(type)),
               type == 11 ? defaultsWith({"keyboard ignoreKeyboardState"}, L"0") : kDefaults)
         << "type code " << type;
   }
 }
 
-TEST_F(ParametersTest, AnyByteButZeroIsTrue) {
+TEST_F(ParametersTest, AnyNonZeroByteIsTrue) {
   for (int byte = 0; byte < 256; ++byte) {
     OpenPerformer performer;
     performer.keyboardFactory_.ignoreKeyboardState = byte == 0;
@@ -298,7 +298,7 @@ TEST_F(ParametersTest, AnyByteButZeroIsTrue) {
   }
 }
 
-TEST_F(ParametersTest, EquipmentNamesSelectTypeAndKindOfData) {
+TEST_F(ParametersTest, EquipmentNamesSelectTypeAndDataKind) {
   const struct {
     const char16_t* text;
     unsigned locale;
@@ -356,12 +356,12 @@ TEST_F(ParametersTest, ANullEquipmentNameIsTheEmptyOne) {
   EXPECT_EQ(performer.dataKind_, L"ДанныеКарты");
 }
 
-TEST_F(ParametersTest, SettersSayWhatTheyRefuse) {
+TEST_F(ParametersTest, SettersReportRefusedValues) {
   const OpenPerformer performer;
   for (const Parameter& parameter : kParameters) {
     SCOPED_TRACE(testing::PrintToString(parameter.name));
     const auto& setter = performer.settings_->setters.at(parameter.name);
-    // A 64-bit integer is nobody's type.
+    // No parameter accepts a 64-bit integer.
     EXPECT_EQ(setter(numberVariant(77, 17)), parameter.takes == Takes::kAnything);
     EXPECT_EQ(setter(numberVariant(77)),
               takesNumbers(parameter) || parameter.takes == Takes::kAnything);
@@ -401,7 +401,7 @@ TEST_F(ParametersTest, PerformersDoNotShareThem) {
   EXPECT_EQ(snapshotOf(second), kDefaults);
 }
 
-TEST_F(ParametersTest, AreNotReadBack) {
+TEST_F(ParametersTest, CannotBeReadBack) {
   OpenPerformer performer;
   const std::wstring longName(10000, L'x');
   for (const wchar_t* const name : {L"Port", L"Speed", L"", L"no such name", longName.c_str()}) {

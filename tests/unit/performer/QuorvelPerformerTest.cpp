@@ -1,4 +1,4 @@
-// The performer's devices and texts.
+// The performer's device registry and error text.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -21,7 +21,7 @@ namespace {
 using rig::numberVariant;
 using test::OpenPerformer;
 
-// A device that reports its end.
+// A device that reports its destruction.
 class FakeDevice : public InputDevice {
  public:
   FakeDevice(std::wstring id, std::vector<std::wstring>& ended)
@@ -39,7 +39,7 @@ class PerformerTest : public test::RestoredSettings {
     performer.devices_[id] = std::make_shared<FakeDevice>(id, ended_);
   }
 
-  std::vector<std::wstring> ended_;  // the devices that were destroyed, in that order
+  std::vector<std::wstring> ended_;  // destroyed devices in order
 };
 
 TEST_F(PerformerTest, OperationsHaveTheirSlots) {
@@ -83,7 +83,7 @@ TEST_F(PerformerTest, HasOneErrorTextInTwoLanguages) {
   }
 }
 
-TEST_F(PerformerTest, ClosesNothingThatIsNotOpen) {
+TEST_F(PerformerTest, ClosingAnUnknownIdentifierFails) {
   OpenPerformer performer;
   EXPECT_FALSE(performer.CloseDevice(L"InputDevice#1"));
   EXPECT_FALSE(performer.CloseDevice(L""));
@@ -96,7 +96,7 @@ TEST_F(PerformerTest, ClosesNothingThatIsNotOpen) {
   EXPECT_TRUE(ended_.empty());
 }
 
-TEST_F(PerformerTest, ClosingEndsThatDeviceOnce) {
+TEST_F(PerformerTest, ClosingDestroysThatDeviceOnly) {
   OpenPerformer performer;
   addDevice(performer, L"A");
   addDevice(performer, L"B");
@@ -108,7 +108,7 @@ TEST_F(PerformerTest, ClosingEndsThatDeviceOnce) {
   EXPECT_EQ(ended_, (std::vector<std::wstring>{L"A", L"B"}));
 }
 
-TEST_F(PerformerTest, ADeviceThatSomeoneElseHoldsOutlivesItsClosing) {
+TEST_F(PerformerTest, ClosingOnlyReleasesASharedDevice) {
   OpenPerformer performer;
   addDevice(performer, L"A");
   std::shared_ptr<InputDevice> held = performer.devices_.at(L"A");
@@ -118,7 +118,7 @@ TEST_F(PerformerTest, ADeviceThatSomeoneElseHoldsOutlivesItsClosing) {
   EXPECT_EQ(ended_.size(), 1u);
 }
 
-TEST_F(PerformerTest, DevicesStandInTheOrderOfTheirIdentifiers) {
+TEST_F(PerformerTest, DevicesAreSortedByIdentifier) {
   OpenPerformer performer;
   for (const wchar_t* const id : {L"b", L"B", L"a#2", L"a#10", L"a", L""}) {
     addDevice(performer, id);
@@ -128,7 +128,7 @@ TEST_F(PerformerTest, DevicesStandInTheOrderOfTheirIdentifiers) {
   EXPECT_EQ(ids, (std::vector<std::wstring>{L"", L"B", L"a", L"a#10", L"a#2", L"b"}));
 }
 
-TEST_F(PerformerTest, DevicesEndBeforeTheCallbackTheyMayStillUse) {
+TEST_F(PerformerTest, DevicesAreDestroyedBeforeTheCallbackTheyUse) {
   const auto callbackAlive = std::make_shared<int>(0);
   const std::weak_ptr<int> callback = callbackAlive;
   struct Witness : InputDevice {
@@ -149,7 +149,7 @@ TEST_F(PerformerTest, DevicesEndBeforeTheCallbackTheyMayStillUse) {
   EXPECT_EQ(callback.use_count(), 1);
 }
 
-TEST_F(PerformerTest, DestroyingItEndsEveryDevice) {
+TEST_F(PerformerTest, DestroyingThePerformerDestroysEveryDevice) {
   {
     OpenPerformer performer;
     addDevice(performer, L"A");
@@ -158,7 +158,7 @@ TEST_F(PerformerTest, DestroyingItEndsEveryDevice) {
   EXPECT_EQ(ended_.size(), 2u);
 }
 
-TEST_F(PerformerTest, AMissingPortOpensNothing) {
+TEST_F(PerformerTest, OpeningAMissingPortFails) {
   ASSERT_FALSE(std::filesystem::exists("/dev/ttyUSB100000"));
   OpenPerformer performer;
   performer.SetParameter(L"Port", numberVariant(100129));
@@ -168,7 +168,7 @@ TEST_F(PerformerTest, AMissingPortOpensNothing) {
   EXPECT_FALSE(performer.CloseDevice(L"InputDevice#1"));
 }
 
-TEST_F(PerformerTest, AFailureToOpenLeavesTheDeviceThatHasTheIdentifier) {
+TEST_F(PerformerTest, AFailureToOpenKeepsTheDeviceWithThatIdentifier) {
   OpenPerformer performer;
   addDevice(performer, L"A");
   performer.SetParameter(L"Port", numberVariant(100129));
@@ -177,7 +177,7 @@ TEST_F(PerformerTest, AFailureToOpenLeavesTheDeviceThatHasTheIdentifier) {
   EXPECT_TRUE(performer.CloseDevice(L"A"));
 }
 
-TEST_F(PerformerTest, WithoutADisplayThereIsNoKeyboardToOpen) {
+TEST_F(PerformerTest, OpeningAKeyboardWithoutADisplayFails) {
   const rig::ScopedVariable noDisplay("DISPLAY", std::nullopt);
   OpenPerformer performer;
   performer.SetParameter(L"KeyboardDevice", rig::textVariant(u"Scanner"));

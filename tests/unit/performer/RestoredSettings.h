@@ -1,4 +1,4 @@
-// The process-wide settings, put back as they were at the start.
+// A fixture that resets the process-wide settings before and after each test.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -29,7 +29,8 @@ std::vector<Pair> publishedVectors() {
           {"foobar", "Zm9vYmFy"}};
 }
 
-// Every length up to 64 and some long ones, so that every tail occurs many times.
+// Every length up to 64, so that each length of the last group occurs many times, and some long
+// ones.
 std::vector<std::string> randomRaws(unsigned seed) {
   rig::RandomBytes random(seed);
   std::vector<std::string> raws;
@@ -67,7 +68,7 @@ TEST(Base64, UsesTheStandardAlphabetInOrder) {
   EXPECT_EQ(base64_decode(kAlphabet), raw);
 }
 
-TEST(Base64, EncodesAsTheSystemsProgramDoes) {
+TEST(Base64, EncodesLikeTheBase64Program) {
   const std::vector<std::string> raws = randomRaws(1);
   const std::vector<rig::CommandResult> expected = rig::resultsOf("base64 -w0", raws);
   for (std::size_t i = 0; i < raws.size(); ++i) {
@@ -76,12 +77,12 @@ TEST(Base64, EncodesAsTheSystemsProgramDoes) {
   }
 }
 
-TEST(Base64, TheSystemsProgramReadsWhatIsEncoded) {
+TEST(Base64, IsReadByTheBase64Program) {
   rig::RandomBytes random(2);
   std::string text;
   std::string expected;
   for (int i = 0; i < 1000; ++i) {
-    // Without padding in between, which not every decoder reads on after.
+    // Multiples of three bytes: not every decoder continues after padding.
     const std::string raw = random.bytes(3 * random.number(100));
     text += base64_encode(raw);
     expected += raw;
@@ -89,7 +90,7 @@ TEST(Base64, TheSystemsProgramReadsWhatIsEncoded) {
   EXPECT_EQ(rig::outputOf("base64 -d", text), expected);
 }
 
-TEST(Base64, RoundTripsKeepEveryByte) {
+TEST(Base64, RoundTripsEveryByte) {
   for (const std::string& raw : randomRaws(3)) EXPECT_EQ(base64_decode(base64_encode(raw)), raw);
 }
 
@@ -109,14 +110,14 @@ TEST(Base64, DecodingStopsAtTheFirstForeignCharacter) {
   EXPECT_EQ(base64_decode(" Zm9v"), "");
 }
 
-TEST(Base64, DecodingStopsAtTheFirstPaddingWhateverFollows) {
+TEST(Base64, DecodingStopsAtTheFirstPadding) {
   EXPECT_EQ(base64_decode("YQ==YWI="), "a");
   EXPECT_EQ(base64_decode("=YWI="), "");
   EXPECT_EQ(base64_decode("YWI=Zm9v"), "ab");
   EXPECT_EQ(base64_decode("Y==="), "");
 }
 
-TEST(Base64, EveryByteOutsideTheAlphabetIsForeign) {
+TEST(Base64, DecodingStopsAtEveryByteOutsideTheAlphabet) {
   for (int byte = 0; byte < 256; ++byte) {
     const char character = static_cast<char>(byte);
     const bool foreign = kAlphabet.find(character) == kAlphabet.npos;
@@ -124,22 +125,22 @@ TEST(Base64, EveryByteOutsideTheAlphabetIsForeign) {
   }
 }
 
-TEST(Base64, AnIncompleteGroupGivesTheBytesItHolds) {
+TEST(Base64, AnIncompleteGroupGivesItsCompleteBytes) {
   EXPECT_EQ(base64_decode("Z"), "");
   EXPECT_EQ(base64_decode("Zg"), "f");
   EXPECT_EQ(base64_decode("Zm8"), "fo");
   EXPECT_EQ(base64_decode("Zm9vY"), "foo");
   EXPECT_EQ(base64_decode("Zm9vYg"), "foob");
   EXPECT_EQ(base64_decode("Zm9vYmE"), "fooba");
-  // The bits beyond the last byte are dropped.
+  // Bits after the last byte are dropped.
   EXPECT_EQ(base64_decode("Zh=="), "f");
   EXPECT_EQ(base64_decode("Zv=="), "f");
 }
 
-TEST(Base64, GarbageDecodesToWhatPrecedesTheFirstForeignCharacter) {
+TEST(Base64, GarbageDecodesUpToTheFirstForeignCharacter) {
   rig::RandomBytes random(5);
   std::vector<std::string> texts;
-  std::string completed;  // the meaningful part of each text, with zero sextets up to a full group
+  std::string completed;  // the part of each text to be decoded, completed with zero sextets
   for (int i = 0; i < 2000; ++i) {
     texts.push_back(random.bytesOf(kAlphabet + "= \n\xFF", random.number(120)));
     std::string part = texts.back().substr(0, texts.back().find_first_not_of(kAlphabet));
@@ -167,16 +168,14 @@ TEST(Base64, WideFormsGoThroughUtf8) {
   EXPECT_EQ(base642Raw(L""s), L"");
 }
 
-TEST(Base64, WideDecodingSkipsBytesThatAreNoUtf8) {
+TEST(Base64, WideDecodingSkipsInvalidUtf8) {
   EXPECT_EQ(base642Raw(L"/0E="s), L"A");   // FF 41
   EXPECT_EQ(base642Raw(L"QYBC"s), L"AB");  // 41 80 42
   EXPECT_EQ(base642Raw(L"QdA="s), L"A");   // 41 D0, cut off
   EXPECT_EQ(base642Raw(L"/////w=="s), L"");
 }
 
-TEST(Base64, WideDecodingStopsAtALetterOutsideTheAlphabet) {
-  EXPECT_EQ(base642Raw(L"MTIzЖMTIz"s), L"123");
-}
+TEST(Base64, WideDecodingStopsAtANonAsciiLetter) { EXPECT_EQ(base642Raw(L"MTIzЖMTIz"s), L"123"); }
 
 TEST(Base64, WideDecodingKeepsZeroBytes) { EXPECT_EQ(base642Raw(L"QQBC"s), L"A\0B"s); }
 

@@ -12,7 +12,7 @@ int openNull() { return ::open("/dev/null", O_RDONLY); }
 
 bool isOpen(int descriptor) { return ::fcntl(descriptor, F_GETFD) >= 0; }
 
-TEST(FileDescriptor, HoldsNothingAtFirst) {
+TEST(FileDescriptor, IsEmptyAtFirst) {
   const FileDescriptor none;
   EXPECT_FALSE(none);
   EXPECT_EQ(none.get(), -1);
@@ -39,7 +39,7 @@ TEST(FileDescriptor, ResetClosesOnce) {
   EXPECT_EQ(descriptor.get(), -1);
 }
 
-TEST(FileDescriptor, MovingPassesTheOwnershipOn) {
+TEST(FileDescriptor, MovingTransfersOwnership) {
   const int number = openNull();
   FileDescriptor first(number);
   FileDescriptor second(std::move(first));

@@ -15,10 +15,10 @@ namespace {
 
 using namespace std::string_literals;
 
-// What btowc gives for a number that is no byte.
+// The result of btowc for a number that is not a byte.
 constexpr wchar_t kNoCharacter = static_cast<wchar_t>(WEOF);
 
-// The form written in another way: each byte by itself, then neighbouring groups joined.
+// Another implementation of the form: codes each byte by itself, then joins neighbouring groups.
 std::string expectedHRS(const std::string& raw) {
   constexpr char kOpen = '\1';
   constexpr char kClose = '\2';
@@ -73,7 +73,7 @@ TEST(RawToHRS, EveryByteIsEitherVisibleOrCoded) {
   }
 }
 
-TEST(RawToHRS, RandomBytesReadAsAnotherWriterWritesThem) {
+TEST(RawToHRS, AgreesWithAnotherImplementation) {
   rig::RandomBytes random(1);
   for (int i = 0; i < 500; ++i) {
     const std::string raw = random.bytes(random.number(60));
@@ -87,7 +87,7 @@ TEST(RawToHRS, TakesALongText) {
   EXPECT_EQ(text.substr(0, 7), "(013013");
 }
 
-TEST(RawToHRS, ReadsExactlyTheBytesGiven) {
+TEST(RawToHRS, ConvertsExactlyTheGivenBytes) {
   EXPECT_EQ(raw2HRS("ABC", 2), "AB");
   EXPECT_EQ(raw2HRS("A\0B", 3), "A(000)B");
   EXPECT_EQ(raw2HRS("ABC", 0), "");
@@ -95,13 +95,13 @@ TEST(RawToHRS, ReadsExactlyTheBytesGiven) {
   EXPECT_EQ(raw2HRS(static_cast<const char*>(nullptr), 0), "");
 }
 
-TEST(RawToHRS, WideTextIsCodedByItsUtf8Bytes) {
+TEST(RawToHRS, WideTextBecomesTheCodesOfItsUtf8Bytes) {
   EXPECT_EQ(raw2HRS(L"Ä"s), L"(195132)");
   EXPECT_EQ(raw2HRS(L"aЖ\r"s), L"a(208150013)");
   EXPECT_EQ(raw2HRS(L""s), L"");
 }
 
-TEST(RawToHRS, ReadsExactlyTheWideCharactersGiven) {
+TEST(RawToHRS, ConvertsExactlyTheGivenWideCharacters) {
   EXPECT_EQ(raw2HRS(L"ABC", 2), L"AB");
   EXPECT_EQ(raw2HRS(L"A\0B", 3), L"A(000)B");
   EXPECT_EQ(raw2HRS(L"ABC", 0), L"");
@@ -119,13 +119,13 @@ std::vector<Reading> readings() {
       {L"", L""},
       {L"abc", L"abc"},
       {L"аб в\r", L"аб в\r"},
-      // A group that runs to the end gives its complete codes.
+      // A group that runs to the end of the text gives its complete codes.
       {L"a(013", L"a\r"},
       {L"(065", L"A"},
       {L"a(", L"a"},
       {L"a(0", L"a"},
       {L"a(01", L"a"},
-      // Every digit but the first begins another pass over those that follow.
+      // Its digits are read again from each later digit on.
       {L"(0130", {L'\r', static_cast<wchar_t>(std::btowc(130))}},
       {L"(013010", {L'\r', L'\n', static_cast<wchar_t>(std::btowc(130)), kNoCharacter, L'\n'}},
       {L"(065066067",
@@ -134,13 +134,13 @@ std::vector<Reading> readings() {
       {L"(999", {kNoCharacter}},
       {L"(256", {kNoCharacter}},
       {L"(000", {L'\0'}},
-      // A closed group fails.
+      // A closed group is an error.
       {L"a(013)", L""},
       {L"(013010)", L""},
       {L"a(013)b", L""},
       {L"a(01)", L""},
       {L"a(1)", L""},
-      // So does everything else that is no digit.
+      // So is anything but a digit in a group.
       {L"a)", L""},
       {L")", L""},
       {L"((", L""},
@@ -151,14 +151,14 @@ std::vector<Reading> readings() {
       {L"a(01 ", L""},
       {L"a(-13", L""},
       {L"a(٠١٣", L""},
-      // An empty group is left as it was entered.
+      // An empty group is accepted.
       {L"a()b", L"ab"},
       {L"()(065", L"A"},
       {L"())", L""},
   };
 }
 
-TEST(HRSToRaw, ReadsTextWithoutGroupsAndGroupsThatNobodyCloses) {
+TEST(HRSToRaw, ReadsTextWithoutGroupsAndUnclosedGroups) {
   for (const Reading& reading : readings()) {
     SCOPED_TRACE(testing::PrintToString(reading.text));
     EXPECT_EQ(hrs2Raw(reading.text), reading.raw);
@@ -170,7 +170,7 @@ TEST(HRSToRaw, TakesALongText) {
   EXPECT_EQ(hrs2Raw(L"(" + std::wstring(1000, L'0') + L")"), L"");
 }
 
-TEST(HRSToRaw, WritesToABufferWhatItReads) {
+TEST(HRSToRaw, WritesTheSameToABuffer) {
   for (const Reading& reading : readings()) {
     SCOPED_TRACE(testing::PrintToString(reading.text));
     std::wstring buffer(20, L'?');
@@ -186,7 +186,7 @@ TEST(HRSToRaw, LeavesTheRestOfTheBuffer) {
   EXPECT_EQ(buffer, L"abc???");
 }
 
-TEST(HRSToRaw, WritesNoMoreThanTheCapacity) {
+TEST(HRSToRaw, WritesAtMostTheCapacity) {
   std::wstring buffer = L"??????";
   EXPECT_EQ(hrs2Raw(buffer.data(), L"abcdef", 4), 4);
   EXPECT_EQ(buffer, L"abcd??");
@@ -194,13 +194,13 @@ TEST(HRSToRaw, WritesNoMoreThanTheCapacity) {
   EXPECT_EQ(buffer, L"xyzd??");
 }
 
-TEST(HRSToRaw, AFailureFillsTheWholeBufferWithZeros) {
+TEST(HRSToRaw, AnErrorFillsTheWholeBufferWithZeros) {
   std::wstring buffer = L"??????";
   EXPECT_EQ(hrs2Raw(buffer.data(), L"a(013)", 5), 0);
   EXPECT_EQ(buffer, L"\0\0\0\0\0?"s);
 }
 
-TEST(HRSToRaw, AnEmptyBufferIsNotWrittenTo) {
+TEST(HRSToRaw, DoesNotWriteToAnEmptyBuffer) {
   EXPECT_EQ(hrs2Raw(nullptr, L"abc", 0), 0);
   EXPECT_EQ(hrs2Raw(nullptr, L"a(013)", 0), 0);
   EXPECT_EQ(hrs2Raw(nullptr, L"abc", -1), 0);
@@ -214,7 +214,7 @@ TEST(RawToPrintable, KeepsVisibleCharactersInOrder) {
   EXPECT_EQ(raw2Printable(std::wstring{kNoCharacter, L'a'}), L"a");
 }
 
-TEST(RawToPrintable, KeepsExactlyTheVisibleAscii) {
+TEST(RawToPrintable, KeepsOnlyVisibleAscii) {
   for (wchar_t character = 0; character < 0x500; ++character) {
     const bool visible = character >= 0x21 && character <= 0x7E;
     EXPECT_EQ(raw2Printable(std::wstring(1, character)).size(), visible ? 1u : 0u)
@@ -222,7 +222,7 @@ TEST(RawToPrintable, KeepsExactlyTheVisibleAscii) {
   }
 }
 
-TEST(RawToPrintable, ReadsExactlyTheCharactersGiven) {
+TEST(RawToPrintable, ConvertsExactlyTheGivenCharacters) {
   EXPECT_EQ(raw2Printable(L"a bc", 3), L"ab");
   EXPECT_EQ(raw2Printable(L"a\0b", 3), L"ab");
   EXPECT_EQ(raw2Printable(L"abc", 0), L"");

@@ -29,13 +29,13 @@ std::set<std::string> logFiles() {
   return names;
 }
 
-TEST(LogFileName, HoldsWordSizeThreadAndTime) {
+TEST(LogFileName, ContainsWordSizeThreadAndTime) {
   const std::string wordSize = sizeof(void*) == 4 ? "32" : "64";
   EXPECT_THAT(getLogFileName(), testing::MatchesRegex("Quorvel_x" + wordSize + "_t" +
                                                       threadIdText() + "_[0-9]{14}\\.txt"));
 }
 
-TEST(LogFileName, HoldsTheLocalTimeOfTheCall) {
+TEST(LogFileName, ContainsTheLocalTimeOfTheCall) {
   std::string name;
   std::time_t before;
   char stamp[20];
@@ -47,7 +47,7 @@ TEST(LogFileName, HoldsTheLocalTimeOfTheCall) {
   EXPECT_NE(name.find("_" + std::string(stamp) + ".txt"), name.npos) << name;
 }
 
-TEST(LogFileName, TwoOfOneThreadInOneSecondAreEqual) {
+TEST(LogFileName, IsTheSameWithinOneThreadAndSecond) {
   std::string first, second;
   std::time_t before;
   do {
@@ -58,14 +58,14 @@ TEST(LogFileName, TwoOfOneThreadInOneSecondAreEqual) {
   EXPECT_EQ(first, second);
 }
 
-TEST(LogFileName, TwoOfTwoThreadsDiffer) {
+TEST(LogFileName, DiffersBetweenThreads) {
   std::string other;
   std::thread([&] { other = getLogFileName(); }).join();
   const std::string mine = getLogFileName();
   EXPECT_NE(mine.substr(0, mine.rfind('_')), other.substr(0, other.rfind('_')));
 }
 
-TEST(LogFileName, ALocaleThatGroupsDigitsChangesNothing) {
+TEST(LogFileName, IgnoresDigitGroupingOfTheLocale) {
   class Grouping : public std::numpunct<char> {
     char do_thousands_sep() const override { return ','; }
     std::string do_grouping() const override { return "\3"; }
@@ -76,7 +76,7 @@ TEST(LogFileName, ALocaleThatGroupsDigitsChangesNothing) {
   EXPECT_EQ(name.find(','), name.npos) << name;
 }
 
-TEST(Log, TheFolderIsFixed) {
+TEST(Log, IgnoresTheFolder) {
   EXPECT_EQ(kLogFolder, "/tmp/");
   Logger logger;
   EXPECT_TRUE(logger.SetLogFolder(L""));
@@ -84,7 +84,7 @@ TEST(Log, TheFolderIsFixed) {
   EXPECT_TRUE(logger.SetLogFolder(std::wstring(10000, L'x')));
 }
 
-TEST(Log, WritesNothingAnywhere) {
+TEST(Log, WritesNoFile) {
   const std::set<std::string> before = logFiles();
   Logger logger;
   logger.SetLogFolder(L"/tmp/");

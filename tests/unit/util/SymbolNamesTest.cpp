@@ -33,7 +33,7 @@ TEST(SymbolNames, ControlCharactersHaveTheirNames) {
   }
 }
 
-TEST(SymbolNames, OtherCharactersHaveNoNameAndAreShownAsTheyAre) {
+TEST(SymbolNames, OtherCharactersHaveNoNameAndAreShownAsThemselves) {
   for (wchar_t code = 33; code < 0x600; ++code) {
     if (code == 127) continue;
     SCOPED_TRACE(testing::Message() << "code " << static_cast<int>(code));

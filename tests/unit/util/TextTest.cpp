@@ -16,7 +16,7 @@ using namespace std::string_literals;
 const std::string kBlanks = " \t\n\v\f\r";
 const std::wstring kWideBlanks = L" \t\n\v\f\r";
 
-// Makes a locale the default one for the life of a test.
+// Makes a locale the default one while it lives.
 class DefaultLocale {
  public:
   explicit DefaultLocale(const char* name) : before_(std::locale::global(std::locale(name))) {}
@@ -35,7 +35,7 @@ TEST(Trim, RemovesBlanksAtBothEndsInPlace) {
   EXPECT_EQ(wide, L"Ж ж");
 }
 
-TEST(Trim, LeavesNothingOfBlanks) {
+TEST(Trim, ATextOfBlanksBecomesEmpty) {
   std::string text = kBlanks;
   EXPECT_EQ(trim(text), "");
   EXPECT_EQ(text, "");
@@ -46,7 +46,7 @@ TEST(Trim, LeavesNothingOfBlanks) {
   EXPECT_EQ(trim(empty), "");
 }
 
-TEST(Trim, OnlyBlanksAreBlank) {
+TEST(Trim, KeepsOtherCharacters) {
   for (int byte = 0; byte < 256; ++byte) {
     const char character = static_cast<char>(byte);
     const bool blank = kBlanks.find(character) != kBlanks.npos;
@@ -55,7 +55,7 @@ TEST(Trim, OnlyBlanksAreBlank) {
   EXPECT_EQ(trimed(L"\u00A0a\u2003"s), L"\u00A0a\u2003");
 }
 
-TEST(Trim, ACopyLeavesTheArgument) {
+TEST(Trim, TheCopyingFormLeavesItsArgument) {
   const std::string text = " a ";
   EXPECT_EQ(trimed(text), "a");
   EXPECT_EQ(text, " a ");
@@ -64,7 +64,7 @@ TEST(Trim, ACopyLeavesTheArgument) {
   EXPECT_EQ(wide, L" a ");
 }
 
-TEST(Trim, TheDefaultLocaleSaysWhatIsBlank) try {
+TEST(Trim, UsesTheBlanksOfTheDefaultLocale) try {
   const DefaultLocale utf8("C.UTF-8");
   EXPECT_EQ(trimed(L"\u2003a\u2003"s), L"a");
 } catch (const std::runtime_error&) {
@@ -107,7 +107,7 @@ TEST(ToLower, LowersAsciiInTheClassicLocale) {
   EXPECT_EQ(str_tolower(L"\0A\0"s), L"\0a\0"s);
 }
 
-TEST(ToLower, TheDefaultLocaleSaysWhatIsUpperCase) try {
+TEST(ToLower, UsesTheUpperCaseOfTheDefaultLocale) try {
   const DefaultLocale utf8("C.UTF-8");
   EXPECT_EQ(str_tolower(L"ПРИВЕТ"s), L"привет");
 } catch (const std::runtime_error&) {
@@ -129,7 +129,7 @@ const struct {
     {L"a\0b"s, "a\0b"s},
 };
 
-TEST(Utf8, ThreeNamesWriteTheSame) {
+TEST(Utf8, IsWrittenByThreeNames) {
   for (const auto& row : kUtf8) {
     EXPECT_EQ(wstr2str(row.wide), row.utf8);
     EXPECT_EQ(wstrtostr(row.wide), row.utf8);
@@ -137,7 +137,7 @@ TEST(Utf8, ThreeNamesWriteTheSame) {
   }
 }
 
-TEST(Utf8, ThreeNamesReadTheSame) {
+TEST(Utf8, IsReadByThreeNames) {
   for (const auto& row : kUtf8) {
     EXPECT_EQ(str2wstr(row.utf8), row.wide);
     EXPECT_EQ(strtowstr(row.utf8), row.wide);
@@ -145,7 +145,7 @@ TEST(Utf8, ThreeNamesReadTheSame) {
   }
 }
 
-TEST(Utf8, SkipsWhatIsNoCodePoint) {
+TEST(Utf8, SkipsInvalidCodePoints) {
   const std::wstring text = {L'a', wchar_t(0xD800), L'b', wchar_t(0xDFFF), L'c', wchar_t(0x110000),
                              L'd', wchar_t(-1),     L'e'};
   EXPECT_EQ(wstr2str(text), "abcde");
@@ -153,11 +153,11 @@ TEST(Utf8, SkipsWhatIsNoCodePoint) {
 }
 
 TEST(Utf8, SkipsInvalidSequences) {
-  EXPECT_EQ(str2wstr("a\x80z"), L"az");              // a continuation with no lead
-  EXPECT_EQ(str2wstr("a\xFFz"), L"az");              // no byte of UTF-8
+  EXPECT_EQ(str2wstr("a\x80z"), L"az");              // a continuation byte without a lead byte
+  EXPECT_EQ(str2wstr("a\xFFz"), L"az");              // never occurs in UTF-8
   EXPECT_EQ(str2wstr("a\xED\xA0\x80z"), L"az");      // a surrogate
   EXPECT_EQ(str2wstr("a\xF4\x90\x80\x80z"), L"az");  // beyond the last code point
-  EXPECT_EQ(str2wstr("a\xC0\x80z"), L"az");          // longer than needed
+  EXPECT_EQ(str2wstr("a\xC0\x80z"), L"az");          // overlong
   EXPECT_EQ(str2wstr("aЖ\xD0"), L"aЖ");              // cut off
   EXPECT_EQ(str2wstr("a\xF0\x9F\x98"), L"a");        // cut off
 }
@@ -170,7 +170,7 @@ TEST(Utf8, RoundTripsEveryCodePoint) {
   EXPECT_TRUE(str2wstr(wstr2str(all)) == all);
 }
 
-TEST(TimeString, IsTheTextFollowedByZeros) {
+TEST(TimeString, IsPaddedWithZeros) {
   std::string text;
   std::string expected;
   std::time_t before;
@@ -185,7 +185,7 @@ TEST(TimeString, IsTheTextFollowedByZeros) {
   EXPECT_EQ(text, expected + std::string(256 - 14, '\0'));
 }
 
-TEST(TimeString, TheYearIsFourCharactersOfTheBuffer) {
+TEST(TimeString, ReadsAsTheTextThroughCStr) {
   const std::string text = getCurrentTimeString("%Y");
   ASSERT_EQ(text.size(), 256u);
   EXPECT_EQ(std::string(text.c_str()).size(), 4u);

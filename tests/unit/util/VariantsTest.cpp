@@ -20,7 +20,7 @@ using rig::numberVariant;
 using rig::textVariant;
 using rig::variantOfType;
 
-constexpr unsigned kTypeCodes = 0x10000;  // there are no more than these
+constexpr unsigned kTypeCodes = 0x10000;  // vt has 16 bits
 constexpr std::int32_t kUntouched = 77;
 
 std::string bytesOf(const tVariant& variant) {
@@ -51,7 +51,7 @@ TEST(SetInt, WritesTheNumberAndTheTypeCode) {
   EXPECT_EQ(bytesOf(variant), bytesOf(expected));
 }
 
-TEST(TextFromVariant, LooksAtNoTypeCode) {
+TEST(TextFromVariant, IgnoresTheTypeCode) {
   for (const unsigned type : rig::typeCodes()) {
     tVariant variant = textVariant(u"Привет");
     variant.vt = static_cast<std::uint16_t>(type);
@@ -59,7 +59,7 @@ TEST(TextFromVariant, LooksAtNoTypeCode) {
   }
 }
 
-TEST(TextFromVariant, TakesTheLengthOfTheVariant) {
+TEST(TextFromVariant, UsesTheLengthOfTheVariant) {
   EXPECT_EQ(convFromShortWchar(textVariant(u"abcdef", 3)), L"abc");
   EXPECT_EQ(convFromShortWchar(textVariant(u"abcdef", 0)), L"abcdef");
   EXPECT_EQ(convFromShortWchar(textVariant(u"ab\0cd", 5)), L"ab\0\0\0"s);
@@ -67,7 +67,7 @@ TEST(TextFromVariant, TakesTheLengthOfTheVariant) {
   EXPECT_EQ(convFromShortWchar(textVariant(nullptr, 10000)), L"");
 }
 
-TEST(ExpectedText, OnlyAWideStringOrANullPointerIsOne) {
+TEST(ExpectedText, IsAWideStringOrANullPointer) {
   for (const unsigned type : rig::typeCodes()) {
     SCOPED_TRACE(testing::Message() << "type code " << type);
     tVariant text = textVariant(u"abc");
@@ -81,12 +81,12 @@ TEST(ExpectedText, OnlyAWideStringOrANullPointerIsOne) {
   }
 }
 
-TEST(ExpectedText, ANumberIsNeverFollowedAsAPointer) {
+TEST(ExpectedText, NeverFollowsANumberAsAPointer) {
   EXPECT_EQ(textOf(numberVariant(1)), std::nullopt);
   EXPECT_EQ(textOf(doubleVariant(1.1)), std::nullopt);
 }
 
-TEST(VariantToInt, WholeNumbersAreTheWordAsItStands) {
+TEST(VariantToInt, IntegersGiveTheFirstWord) {
   for (const unsigned type : {2u, 3u, 10u, 14u}) {
     for (const std::int32_t number : {0, 1, -1, 0x12345678, INT32_MIN, INT32_MAX}) {
       std::int32_t value = kUntouched;
@@ -96,7 +96,7 @@ TEST(VariantToInt, WholeNumbersAreTheWordAsItStands) {
   }
 }
 
-TEST(VariantToInt, AllOtherTypesAreRefused) {
+TEST(VariantToInt, OtherTypesAreRefused) {
   const std::set<unsigned> accepted = {2, 3, 4, 5, 10, 14};
   for (unsigned type = 0; type < kTypeCodes; ++type) {
     std::int32_t value = kUntouched;
@@ -132,8 +132,8 @@ TEST(VariantToInt, BothFloatingTypesAreReadAsADouble) {
   }
 }
 
-TEST(VariantToInt, A32BitFloatIsReadAsADoubleAllTheSame) {
-  // 2.0f in a record of zeros is a double too small to be anything but 0.
+TEST(VariantToInt, A32BitFloatIsReadAsADouble) {
+  // The bytes of 2.0f followed by zeros are a double close to 0.
   tVariant variant = variantOfType(4);
   variant.floatValue = 2.0f;
   std::int32_t value = kUntouched;
@@ -141,7 +141,7 @@ TEST(VariantToInt, A32BitFloatIsReadAsADoubleAllTheSame) {
   EXPECT_EQ(value, 0);
 }
 
-TEST(VariantToInt, ANumberWithoutA32BitValueIsTheSmallestOne) {
+TEST(VariantToInt, ADoubleThatDoesNotFitGivesTheSmallestInteger) {
   for (const double number :
        {2147483648.0, -2147483649.0, 1e300, -1e300, HUGE_VAL, -HUGE_VAL, std::nan("")}) {
     std::int32_t value = kUntouched;
@@ -150,7 +150,7 @@ TEST(VariantToInt, ANumberWithoutA32BitValueIsTheSmallestOne) {
   }
 }
 
-TEST(VariantToDWORD, WholeNumbersAreTheLowWord) {
+TEST(VariantToDWORD, IntegersGiveTheLowWord) {
   for (const unsigned type : {2u, 3u, 10u, 14u, 15u, 16u, 17u, 18u}) {
     for (const std::uint64_t number :
          {0ull, 1ull, 0x80000000ull, 0xFFFFFFFFull, 0x1234567800000005ull, 0xFFFFFFFFFFFFFFFFull}) {
@@ -163,7 +163,7 @@ TEST(VariantToDWORD, WholeNumbersAreTheLowWord) {
   }
 }
 
-TEST(VariantToDWORD, AllOtherTypesAreRefused) {
+TEST(VariantToDWORD, OtherTypesAreRefused) {
   const std::set<unsigned> accepted = {2, 3, 4, 5, 10, 14, 15, 16, 17, 18};
   for (unsigned type = 0; type < kTypeCodes; ++type) {
     std::uint32_t value = kUntouched;
@@ -175,7 +175,7 @@ TEST(VariantToDWORD, AllOtherTypesAreRefused) {
   }
 }
 
-TEST(VariantToDWORD, ADoubleKeepsTheLowBitsOfItsWholePart) {
+TEST(VariantToDWORD, ADoubleGivesTheLowBitsOfItsIntegerPart) {
   const struct {
     double number;
     std::uint32_t value;
@@ -197,7 +197,7 @@ TEST(VariantToDWORD, ADoubleKeepsTheLowBitsOfItsWholePart) {
   }
 }
 
-TEST(VariantToDWORD, ANumberWithoutA64BitValueIsZero) {
+TEST(VariantToDWORD, ADoubleThatDoesNotFitGivesZero) {
   for (const double number :
        {9223372036854775808.0, 1e300, -1e300, HUGE_VAL, -HUGE_VAL, std::nan("")}) {
     std::uint32_t value = kUntouched;
@@ -206,7 +206,7 @@ TEST(VariantToDWORD, ANumberWithoutA64BitValueIsZero) {
   }
 }
 
-TEST(AllocAndConvert, CopiesTheTextToMemoryOfTheHost) {
+TEST(AllocAndConvert, CopiesTheTextToTheHostsMemory) {
   FakeMemoryManager memory;
   std::uint32_t length = kUntouched;
   const WCHAR_T* const text = AllocAndConvert(&memory, L"Привет", &length);
@@ -217,12 +217,12 @@ TEST(AllocAndConvert, CopiesTheTextToMemoryOfTheHost) {
   EXPECT_EQ(memory.freed, 0);
 }
 
-TEST(AllocAndConvert, NeedsNoPlaceForTheLength) {
+TEST(AllocAndConvert, TheLengthIsOptional) {
   FakeMemoryManager memory;
   EXPECT_EQ(AllocAndConvert(&memory, L"abc"), u"abc"s);
 }
 
-TEST(AllocAndConvert, AnEmptyTextIsATerminator) {
+TEST(AllocAndConvert, AnEmptyTextIsJustTheTerminator) {
   FakeMemoryManager memory;
   std::uint32_t length = kUntouched;
   EXPECT_EQ(AllocAndConvert(&memory, L"", &length), u""s);
@@ -237,14 +237,14 @@ TEST(AllocAndConvert, TakesALongText) {
   EXPECT_EQ(memory.requests, std::vector<unsigned long>{20002});
 }
 
-TEST(AllocAndConvert, WithoutAMemoryManagerOnlyTheLengthIsKnown) {
+TEST(AllocAndConvert, WithoutAMemoryManagerGivesOnlyTheLength) {
   std::uint32_t length = kUntouched;
   EXPECT_EQ(AllocAndConvert(nullptr, L"abc", &length), nullptr);
   EXPECT_EQ(length, 3u);
   EXPECT_EQ(AllocAndConvert(nullptr, L"abc"), nullptr);
 }
 
-TEST(AllocAndConvert, AMemoryManagerThatGivesNothingGivesNoText) {
+TEST(AllocAndConvert, IsNullWhenTheMemoryManagerFails) {
   FakeMemoryManager memory;
   for (const auto answer :
        {FakeMemoryManager::Answer::kRefusal, FakeMemoryManager::Answer::kSuccessWithoutBlock}) {
@@ -263,7 +263,7 @@ TEST(AllocAndConvertVariant, IsAWideString) {
   EXPECT_EQ(variant.wide.text, u"Привет"s);
 }
 
-TEST(AllocAndConvertVariant, IsANullStringWhereThereIsNoMemory) {
+TEST(AllocAndConvertVariant, HasANullTextWhenTheMemoryManagerFails) {
   FakeMemoryManager memory;
   memory.answer = FakeMemoryManager::Answer::kRefusal;
   for (FakeMemoryManager* const manager : {static_cast<FakeMemoryManager*>(nullptr), &memory}) {

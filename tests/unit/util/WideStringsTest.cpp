@@ -21,21 +21,21 @@ TEST(LengthOfShortText, CountsUnitsBeforeTheFirstZero) {
   EXPECT_EQ(getLenShortWcharStr(std::u16string(10000, u'x').c_str()), 10000u);
 }
 
-TEST(ToShortText, AllocatesWhatIsMeasured) {
+TEST(ToShortText, AllocatesTheMeasuredLength) {
   WCHAR_T* text = nullptr;
   EXPECT_EQ(convToShortWchar(&text, L"Привет"), 7u);
   const ShortBuffer owner(text);
   EXPECT_EQ(std::u16string(text, 7), u"Привет\0"s);
 }
 
-TEST(ToShortText, AnEmptyTextIsItsTerminator) {
+TEST(ToShortText, AnEmptyTextIsJustTheTerminator) {
   WCHAR_T* text = nullptr;
   EXPECT_EQ(convToShortWchar(&text, L""), 1u);
   const ShortBuffer owner(text);
   EXPECT_EQ(text[0], u'\0');
 }
 
-TEST(ToShortText, WritesToTheBufferGivenAndNotBeyond) {
+TEST(ToShortText, StaysWithinTheGivenBuffer) {
   std::u16string buffer = u"??????";
   WCHAR_T* destination = buffer.data();
   EXPECT_EQ(convToShortWchar(&destination, L"abc"), 4u);
@@ -43,7 +43,7 @@ TEST(ToShortText, WritesToTheBufferGivenAndNotBeyond) {
   EXPECT_EQ(buffer, u"abc\0??"s);
 }
 
-TEST(ToShortText, CopiesExactlyTheCountZerosAmongThem) {
+TEST(ToShortText, CopiesExactlyTheCountIncludingZeros) {
   WCHAR_T* text = nullptr;
   EXPECT_EQ(convToShortWchar(&text, L"ab\0cd", 5), 5u);
   const ShortBuffer owner(text);
@@ -71,14 +71,14 @@ TEST(ToShortText, TakesALongText) {
   EXPECT_EQ(text, std::u16string(10000, u'Ж'));
 }
 
-TEST(FromShortText, AllocatesWhatIsMeasured) {
+TEST(FromShortText, AllocatesTheMeasuredLength) {
   wchar_t* text = nullptr;
   EXPECT_EQ(convFromShortWchar(&text, u"Привет"), 7u);
   const WideBuffer owner(text);
   EXPECT_EQ(std::wstring(text, 7), L"Привет\0"s);
 }
 
-TEST(FromShortText, AnEmptyTextIsItsTerminator) {
+TEST(FromShortText, AnEmptyTextIsJustTheTerminator) {
   wchar_t* text = nullptr;
   EXPECT_EQ(convFromShortWchar(&text, u""), 1u);
   const WideBuffer owner(text);
@@ -93,7 +93,7 @@ TEST(FromShortText, StopsAtAZeroAndFillsTheRestWithZeros) {
   EXPECT_EQ(buffer, L"ab\0\0\0\0??"s);
 }
 
-TEST(FromShortText, WritesNoMoreThanTheCount) {
+TEST(FromShortText, StaysWithinTheCount) {
   std::wstring buffer = L"????";
   wchar_t* destination = buffer.data();
   EXPECT_EQ(convFromShortWchar(&destination, u"abcdef", 3), 3u);
@@ -102,7 +102,7 @@ TEST(FromShortText, WritesNoMoreThanTheCount) {
   EXPECT_EQ(buffer, L"xbc?");
 }
 
-TEST(FromShortText, TheFirstUnitIsTakenEvenWhenItIsZero) {
+TEST(FromShortText, CopiesTheFirstUnitEvenWhenItIsZero) {
   std::wstring buffer = L"????";
   wchar_t* destination = buffer.data();
   EXPECT_EQ(convFromShortWchar(&destination, u"\0bc", 3), 3u);
@@ -114,7 +114,7 @@ TEST(FromShortText, SurrogatesAreNotJoined) {
   EXPECT_EQ(convFromShortWchar(u"\uFFFF"), L"\uFFFF");
 }
 
-TEST(FromShortText, NoTextIsTheEmptyString) {
+TEST(FromShortText, ANullTextGivesTheEmptyString) {
   EXPECT_EQ(convFromShortWchar(static_cast<const WCHAR_T*>(nullptr)), L"");
   EXPECT_EQ(convFromShortWchar(static_cast<const WCHAR_T*>(nullptr), 5), L"");
   EXPECT_EQ(convFromShortWchar(static_cast<const WCHAR_T*>(nullptr), 10000), L"");
@@ -122,21 +122,21 @@ TEST(FromShortText, NoTextIsTheEmptyString) {
   EXPECT_EQ(convFromShortWchar(u"", 0), L"");
 }
 
-TEST(FromShortText, AStringHasExactlyTheLengthGiven) {
+TEST(FromShortText, AStringHasExactlyTheGivenLength) {
   EXPECT_EQ(convFromShortWchar(u"ab\0cd", 5), L"ab\0\0\0"s);
   EXPECT_EQ(convFromShortWchar(u"abcdef", 3), L"abc");
   EXPECT_EQ(convFromShortWchar(u"a", 1), L"a");
   EXPECT_EQ(convFromShortWchar(u"", 1), L"\0"s);
 }
 
-TEST(FromShortText, ReadsNothingBeyondTheLengthGiven) {
-  // No terminator: a reader that looks for one leaves the allocation.
+TEST(FromShortText, ReadsNothingBeyondTheGivenLength) {
+  // Without a terminator, so that looking for one reads beyond the allocation.
   const auto units = std::make_unique<WCHAR_T[]>(3);
   units[0] = units[1] = units[2] = u'x';
   EXPECT_EQ(convFromShortWchar(units.get(), 3), L"xxx");
 }
 
-TEST(FromShortText, ALengthOfZeroIsMeasured) {
+TEST(FromShortText, ALengthOfZeroMeansUpToTheTerminator) {
   EXPECT_EQ(convFromShortWchar(u"Привет", 0), L"Привет");
   EXPECT_EQ(convFromShortWchar(u"ab\0cd", 0), L"ab");
 }
@@ -184,7 +184,7 @@ TEST(WcharWrapper, HoldsCopies) {
   EXPECT_EQ(ofShort.shortText(), u"abc"s);
 }
 
-TEST(WcharWrapper, OfNoTextHoldsTwoNulls) {
+TEST(WcharWrapper, OfANullTextHoldsTwoNulls) {
   const WcharWrapper ofWide(static_cast<const wchar_t*>(nullptr));
   EXPECT_EQ(ofWide.wideText(), nullptr);
   EXPECT_EQ(ofWide.shortText(), nullptr);
@@ -202,14 +202,14 @@ TEST(WcharWrapper, OfAnEmptyTextHoldsTwoEmptyTexts) {
   EXPECT_EQ(ofShort.shortText(), u""s);
 }
 
-TEST(WcharWrapper, NarrowsAndDoesNotJoin) {
+TEST(WcharWrapper, IgnoresSurrogatePairs) {
   const WcharWrapper narrowed(L"\U0001F600");
   EXPECT_EQ(narrowed.shortText(), u"\uF600"s);
   const WcharWrapper widened(u"\U0001F600");
   EXPECT_EQ(widened.wideText(), (std::wstring{wchar_t(0xD83D), wchar_t(0xDE00)}));
 }
 
-TEST(WcharWrapper, MeasuresLikeEveryoneElse) {
+TEST(WcharWrapper, MeasuresUpToTheFirstZero) {
   EXPECT_EQ(WcharWrapper::getStrLen(u""), 0u);
   EXPECT_EQ(WcharWrapper::getStrLen(u"ab\0cd"), 2u);
 }
