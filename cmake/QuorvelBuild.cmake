@@ -8,6 +8,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 option(QUORVEL_FUZZ "Build the fuzz targets instead of the tests; needs clang" OFF)
+option(QUORVEL_BUNDLE "Link the C++ runtime and pugixml in, as the packages have it" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as given to -fsanitize=")
 
 find_package(PkgConfig REQUIRED)
@@ -41,6 +42,12 @@ else()
   # Not with sanitizers: both intercept the same calls.
   target_compile_options(quorvel_build INTERFACE
     "$<IF:${unoptimized},-O0,-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+if(QUORVEL_BUNDLE)
+  # A host may bring a C++ runtime of its own, older than the one this was built with. Its symbols
+  # stay inside, or the two would be mixed up.
+  target_link_options(quorvel_build INTERFACE
+    -static-libstdc++ -static-libgcc LINKER:--exclude-libs,ALL)
 endif()
 target_link_libraries(quorvel_build INTERFACE Threads::Threads)
 
