@@ -30,7 +30,8 @@ constexpr std::array<std::uint8_t, 256> kSextets = [] {
 std::uint8_t sextetOf(char character) { return kSextets[static_cast<std::uint8_t>(character)]; }
 
 void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
-  const std::uint32_t group = std::uint32_t{bytes[0]} << 16 | bytes[1] << 8 | bytes[2];
+  const std::uint32_t group =
+      std::uint32_t{bytes[0]} << 16 | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]};
   out[0] = kAlphabet[group >> 18];
   out[1] = kAlphabet[group >> 12 & 0x3F];
   out[2] = kAlphabet[group >> 6 & 0x3F];
@@ -39,12 +40,12 @@ void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
 
 // False for a group with a foreign character in it; nothing is written then.
 bool decodeGroup(const char* in, char* out) {
-  const std::uint8_t a = sextetOf(in[0]);
-  const std::uint8_t b = sextetOf(in[1]);
-  const std::uint8_t c = sextetOf(in[2]);
-  const std::uint8_t d = sextetOf(in[3]);
+  const std::uint32_t a = sextetOf(in[0]);
+  const std::uint32_t b = sextetOf(in[1]);
+  const std::uint32_t c = sextetOf(in[2]);
+  const std::uint32_t d = sextetOf(in[3]);
   if (((a | b | c | d) & kForeign) != 0) return false;
-  const std::uint32_t group = std::uint32_t{a} << 18 | b << 12 | c << 6 | d;
+  const std::uint32_t group = a << 18 | b << 12 | c << 6 | d;
   out[0] = static_cast<char>(group >> 16);
   out[1] = static_cast<char>(group >> 8);
   out[2] = static_cast<char>(group);
