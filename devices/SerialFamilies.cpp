@@ -23,6 +23,13 @@ std::string readToEnd(int descriptor) {
   return text;
 }
 
+// A line and its end. A line that is too long is split.
+std::string lineAt(const std::string& text, std::size_t start) {
+  constexpr std::size_t kLongestLine = 511;
+  const std::string line = text.substr(start, kLongestLine);
+  return line.substr(0, std::min(line.find('\n'), line.size() - 1) + 1);
+}
+
 }  // namespace
 
 const SerialFamily& serialFamilyOf(std::uint32_t port) {
@@ -50,9 +57,8 @@ std::vector<std::string> findDeviceFiles(std::string_view prefix) {
   // Not by way of the stream: it takes a signal of the host's for the end of the output.
   const std::string output = readToEnd(fileno(pipe.get()));
   std::vector<std::string> paths;
-  for (std::size_t start = 0, end; start < output.size(); start = end) {
-    end = std::min(output.find('\n', start), output.size() - 1) + 1;
-    paths.push_back(output.substr(start, end - start));
+  for (std::size_t start = 0; start < output.size(); start += paths.back().size()) {
+    paths.push_back(lineAt(output, start));
   }
   return paths;
 }
