@@ -9,21 +9,10 @@
 #include "devices/LineSpeeds.h"
 #include "devices/SerialFamilies.h"
 #include "devices/XConnection.h"
+#include "parameters/KeyboardChoices.h"
 #include "parameters/SettingsMarkup.h"
-#include "util/CodePages.h"
-#include "util/Log.h"
 
 namespace quorvel {
-namespace {
-
-std::wstring keyboardItem(const XInputDevice& keyboard) {
-  log("XDevice settings list element - " + keyboard.rawName);
-  log("XDevice settings list element trimmed - " + keyboard.name);
-  const std::wstring name = ConvertUTF8Input(keyboard.name.c_str());
-  return item(name, name);
-}
-
-}  // namespace
 
 void LinuxParametersTableBuilder::BuildPortPart() {
   std::wstring ports = item(L"0", text(form_texts::kPortKeyboard));
@@ -65,11 +54,7 @@ void LinuxParametersTableBuilder::BuildKeyboardDevicePart() {
 }
 
 std::wstring LinuxParametersTableBuilder::GetEventDeviceListEnties() const {
-  std::wstring items;
-  for (const XInputDevice& device : listXInputDevices(XConnection::open())) {
-    if (device.isKeyboard) items += keyboardItem(device);
-  }
-  return items;
+  return keyboardChoices(listXInputDevices(XConnection::open()));
 }
 
 void LinuxParametersTableBuilder::BuildCOMPortSpeedPart() {
