@@ -31,10 +31,16 @@ void KeyboardReader::stop() {
 
 void KeyboardReader::ReadThread() {
   struct Release {
-    ~Release() { keyboard.release(); }
+    ~Release() {
+      keyboard.release();
+      connection.setSigpipe(Sigpipe::kUnblocked);
+    }
     KeyboardClaim& keyboard;
+    const XConnection& connection;
   };
-  const Release release{*keyboard_};
+  const Release release{*keyboard_, connection_};
+  // As every signal that is no fault.
+  connection_.setSigpipe(Sigpipe::kBlocked);
   while (running_ && !connection_.lost()) {
     dropExceptions([this] { readOnce(); });
   }

@@ -31,12 +31,18 @@ class XConnection {
   // server; everything else goes through `call`.
   Display* get() const { return state_ ? state_->display : nullptr; }
 
+  // Says what the thread that uses the connection from now on does with SIGPIPE. A thread that
+  // blocks it saves two system calls with each call.
+  void setSigpipe(Sigpipe sigpipe) const {
+    if (state_) state_->sigpipe = sigpipe;
+  }
+
   // Runs `function(display)`. False when the connection is empty or lost, or when it is lost
   // meanwhile: the function is then left by a longjmp and must hold no object with a destructor.
   template <typename Function>
   bool call(Function&& function) const {
     if (lost()) return false;
-    if (guardXCall([&] { function(state_->display); })) return true;
+    if (guardXCall([&] { function(state_->display); }, state_->sigpipe)) return true;
     state_->lost = true;
     return false;
   }
@@ -45,6 +51,7 @@ class XConnection {
   struct State {
     Display* display = nullptr;
     std::atomic<bool> lost = false;
+    Sigpipe sigpipe = Sigpipe::kUnblocked;
   };
   struct Closer {
     void operator()(State* state) const;

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <ctime>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace quorvel {
@@ -79,7 +80,6 @@ class Scoped {
   T before_;
 };
 
-// Xlib writes to its socket in a way that raises SIGPIPE once the server has gone.
 class SigpipeBlock {
  public:
   SigpipeBlock() {
@@ -158,8 +158,9 @@ void installXErrorHandlers() {
 
 // Xlib exits when a handler of I/O errors returns, and where it does not exit it goes on with a
 // connection that is gone: only a jump leaves it safely.
-bool guardXCall(void (*call)(void*), void* data) {
-  const SigpipeBlock sigpipe;
+bool guardXCall(void (*call)(void*), void* data, Sigpipe sigpipe) {
+  std::optional<SigpipeBlock> block;
+  if (sigpipe == Sigpipe::kUnblocked) block.emplace();
   GuardedCall guarded = {};
   const Scoped running(threadState.call, &guarded);
   if (setjmp(guarded.wayOut) == 0) {
@@ -167,7 +168,7 @@ bool guardXCall(void (*call)(void*), void* data) {
     return true;
   }
   close(ConnectionNumber(guarded.lost));
-  sigpipe.discardPending();
+  if (block) block->discardPending();
   return false;
 }
 
