@@ -24,6 +24,9 @@ int runList(const Arguments& arguments);
 extern const Text kDoctorHelp;
 int runDoctor(ComponentLibrary& library, const Arguments& arguments);
 
+extern const Text kDemoHelp;
+int runDemo(ComponentLibrary& library, const Arguments& arguments);
+
 extern const Text kTestHelp;
 int runTest(ComponentLibrary& library, const Arguments& arguments);
 

@@ -1,61 +1,103 @@
-#include <algorithm>
-
+#include "tools/common/VisibleText.h"
 #include "tools/host/Doctors.h"
-#include "tools/host/XDisplay.h"
+#include "tools/host/EventData.h"
+#include "tools/host/KeyboardExamination.h"
+#include "tools/host/KeyboardWatch.h"
 
 namespace terminal {
 namespace {
 
-constexpr FindingText kDisplayMissing = {
-    "display-missing",
-    {"there is no X display, through which keyboards are read",
-     "нет X-дисплея, через который читаются клавиатуры"},
-    {"start the application in the desktop session, or set DISPLAY, as in: DISPLAY=:0",
-     "запускайте приложение в сеансе рабочего стола или задайте DISPLAY, например: DISPLAY=:0"}};
-constexpr FindingText kKeyboardMissing = {
-    "keyboard-missing",
-    {"the X server has no keyboard named \"{name}\"; it has: {names}",
-     "у X-сервера нет клавиатуры «{name}»; есть: {names}"},
-    {"--keyboard with one of these names, or plug the scanner in: quorvel-host list",
-     "--keyboard с одним из этих имён, либо подключите сканер: quorvel-host list"}};
+constexpr FindingText kNoKeys = {
+    "no-keys",
+    {"no key came from the keyboard \"{name}\"",
+     "с клавиатуры «{name}» не пришло ни одной клавиши"},
+    {"check that the scanner beeps, that it is in keyboard (not serial) mode, and that it is this "
+     "keyboard: quorvel-host test shows all keyboards at once",
+     "проверьте, что сканер пищит, что он в режиме клавиатуры (а не последовательного порта) и та "
+     "ли "
+     "это клавиатура: quorvel-host test показывает все клавиатуры сразу"}};
+constexpr FindingText kNoEnd = {
+    "no-end",
+    {"the scan {bytes} does not contain its end, the character {suffix}",
+     "в скане {bytes} нет его конца, символа {suffix}"},
+    {"--set Suffix={end}", "--set Suffix={end}"}};
+constexpr FindingText kNoEndAtAll = {
+    "no-end",
+    {"the scan {bytes} has no end, and the driver waits for the character {suffix}",
+     "у скана {bytes} нет конца, а драйвер ждёт символа {suffix}"},
+    {"set the scanner to send Enter or Tab after each scan, and --set Suffix=13 or Suffix=9",
+     "настройте сканер посылать после скана Enter или Tab и задайте --set Suffix=13 или Suffix=9"}};
+constexpr FindingText kLayout = {
+    "layout",
+    {"the keyboard's layout makes other characters of the keys than a US layout, for which "
+     "scanners "
+     "are set: {bytes}",
+     "раскладка клавиатуры делает из клавиш не те символы, что раскладка США, на которую настроены "
+     "сканеры: {bytes}"},
+    {"setxkbmap -device {device} us", "setxkbmap -device {device} us"}};
+constexpr FindingText kGsAsKey = {
+    "gs-as-key",
+    {"a key without a character came in the scan, which probably stands for a group separator",
+     "в скане пришла клавиша без символа, которой, вероятно, передан разделитель групп (GS)"},
+    {"--set GSSymbolKey={key}", "--set GSSymbolKey={key}"}};
 
-// How many characters two names have in common at their beginning, whatever their case.
-std::size_t likeness(const std::string& one, const std::string& other) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  const auto differ = std::mismatch(one.begin(), one.end(), other.begin(), other.end(),
-                                    [&](char a, char b) { return lower(a) == lower(b); });
-  return static_cast<std::size_t>(differ.first - one.begin());
+void append(Findings& to, const Findings& more) { to.insert(to.end(), more.begin(), more.end()); }
+
+bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
+
+// What keeps the keys from becoming the scan that was scanned.
+Findings findingsOf(const KeySample& keys, int device, const DriverSettings& settings) {
+  const bool endsInControl = !keys.bytes.empty() && isControl(keys.bytes.back());
+  const auto end = endsInControl ? static_cast<unsigned char>(keys.bytes.back()) : 0;
+  const Particulars particulars = {{"bytes", keys.bytes},
+                                   {"suffix", std::to_string(settings.suffix)},
+                                   {"end", std::to_string(end)},
+                                   {"device", std::to_string(device)},
+                                   {"key", std::to_string(keys.separatorKey.value_or(-1))}};
+  Findings found;
+  if (!keys.hasEnd) found.push_back(makeFinding(endsInControl ? kNoEnd : kNoEndAtAll, particulars));
+  if (keys.isForeign) found.push_back(makeFinding(kLayout, particulars));
+  if (keys.separatorKey) found.push_back(makeFinding(kGsAsKey, particulars));
+  return found;
 }
 
-// The names of the keyboards, those first that are most like the wanted one.
-std::string namesLike(const std::string& wanted, std::vector<XInputDevice> devices) {
-  std::erase_if(devices, [](const XInputDevice& device) { return !device.isKeyboard; });
-  std::stable_sort(devices.begin(), devices.end(),
-                   [&](const XInputDevice& one, const XInputDevice& other) {
-                     return likeness(one.name, wanted) > likeness(other.name, wanted);
-                   });
-  std::string names;
-  for (const XInputDevice& device : devices) {
-    names += (names.empty() ? "\"" : ", \"") + device.name + '"';
+void listen(XDisplay& display, const std::string& formName, const DriverSettings& settings,
+            std::chrono::seconds patience, const EndSignals& end, Diagnosis& diagnosis) {
+  const int device = keyboardNamed(display, formName);
+  ScanRequest request;
+  const KeySample keys = takeKeys(display, device, settings, patience, end,
+                                  [&](std::chrono::seconds left) { request.show(left); });
+  const bool anyCame = !keys.bytes.empty() || keys.isForeign || keys.separatorKey;
+  if (!anyCame) {
+    if (!end.wait(std::chrono::microseconds(0))) {
+      diagnosis.findings.push_back(makeFinding(kNoKeys, {{"name", formName}}));
+    }
+    append(diagnosis.findings, focusWarnings(display));
+    return;
   }
-  return names;
+  diagnosis.bytes = keys.bytes;
+  Findings found = findingsOf(keys, device, settings);
+  append(found, keys.focus);
+  diagnosis.isOk = found.empty();
+  append(diagnosis.findings, found);
+  if (keys.hasEnd && found.empty()) {
+    diagnosis.scan = eventData(keys.bytes.substr(0, keys.bytes.size() - 1), settings);
+  }
 }
 
 }  // namespace
 
-Diagnosis examineKeyboard(const std::string& formName, const DriverSettings&, std::chrono::seconds,
-                          const EndSignals&) {
+Diagnosis examineKeyboard(const std::string& formName, const DriverSettings& settings,
+                          std::chrono::seconds patience, const EndSignals& end) {
   Diagnosis diagnosis;
   XDisplay display;
-  if (!display) {
-    diagnosis.findings.push_back(makeFinding(kDisplayMissing));
-    return diagnosis;
-  }
-  const std::vector<XInputDevice> devices = display.devices();
-  const auto hasName = [&](const XInputDevice& device) { return device.name == formName; };
-  if (std::none_of(devices.begin(), devices.end(), hasName)) {
-    diagnosis.findings.push_back(makeFinding(
-        kKeyboardMissing, {{"name", formName}, {"names", namesLike(formName, devices)}}));
+  diagnosis.findings = keyboardObstacles(display, formName);
+  const bool listens = diagnosis.findings.empty() && patience.count() > 0;
+  if (isWaylandSession()) diagnosis.findings.push_back(waylandWarning());
+  if (listens) {
+    listen(display, formName, settings, patience, end, diagnosis);
+  } else {
+    append(diagnosis.findings, focusWarnings(display));
   }
   return diagnosis;
 }

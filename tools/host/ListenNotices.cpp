@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/common/VisibleText.h"
+#include "tools/host/KeyboardExamination.h"
 #include "tools/host/PortFile.h"
 #include "tools/host/SerialFindings.h"
 
@@ -23,12 +24,18 @@ std::string doctorCommand(const DeviceOptions& device) {
                                                : "--keyboard '" + *device.keyboard + "'");
 }
 
+Findings examineKeyboardNamed(const std::string& formName) {
+  XDisplay display;
+  if (isWaylandSession()) tell(say(kWarning) + waylandWarning().text);
+  return keyboardObstacles(display, formName);
+}
+
 }  // namespace
 
 void tell(const std::string& message) { std::cerr << visible(message) << std::endl; }
 
 Findings examine(const DeviceOptions& device) {
-  if (!device.port) return {};
+  if (!device.port) return examineKeyboardNamed(*device.keyboard);
   const SerialExamination examined = examinePort(portFile(*device.port));
   const Findings obstacles = obstaclesOf(*device.port, examined);
   if (!examined.setting) return obstacles;

@@ -22,6 +22,7 @@ commands:
   listen    open a device and print each scan
   list      show the serial ports and keyboards of this machine
   doctor    find out why no scan arrives
+  demo      show scans travelling through the component, without any device
   test      open the component's test window: what every port and keyboard sends
 
 options:
@@ -42,6 +43,7 @@ exit code: 0 done, 1 failed, 2 the command line is wrong
   listen    открыть устройство и печатать каждое сканирование
   list      показать последовательные порты и клавиатуры этой машины
   doctor    выяснить, почему не приходит скан
+  demo      показать, как сканы проходят через компоненту, без устройства
   test      открыть окно теста компоненты: что шлют все порты и клавиатуры
 
 ключи:
@@ -87,6 +89,7 @@ int run(const Arguments& words) {
        {"listen", kListenHelp, with(runListen), [&] { printParametersIfPossible(path); }},
        {"list", kListHelp, runList},
        {"doctor", kDoctorHelp, with(runDoctor)},
+       {"demo", kDemoHelp, with(runDemo)},
        {"test", kTestHelp, with(runTest)}}};
   return runCommand(program, words);
 }
