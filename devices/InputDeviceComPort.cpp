@@ -1,5 +1,7 @@
 #include "devices/InputDeviceComPort.h"
 
+#include <utility>
+
 #include "devices/SerialReader.h"
 
 namespace quorvel {

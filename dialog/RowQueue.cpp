@@ -2,6 +2,8 @@
 
 #include <gdk/gdk.h>
 
+#include <utility>
+
 namespace quorvel {
 namespace {
 

@@ -5,8 +5,10 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <iostream>
+#include <string>
 #include <vector>
 
 namespace rig {

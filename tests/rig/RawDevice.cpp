@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <boost/locale/encoding_utf.hpp>
+#include <chrono>
 #include <stdexcept>
+#include <thread>
+#include <utility>
 
 namespace rig {
 namespace {

@@ -1,12 +1,14 @@
 // A device on a raw line, fed so that what it delivers depends on nothing but the bytes.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/rig/SerialDriver.h"

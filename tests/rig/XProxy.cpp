@@ -12,6 +12,8 @@
 #include <cstring>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace rig {

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
+#include <string>
 
 #include "tests/rig/SerialDriver.h"
 

@@ -1,6 +1,10 @@
 // The Copy button of the device test window, read by another program, through the built library.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
+#include <vector>
+
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/SharedXServer.h"

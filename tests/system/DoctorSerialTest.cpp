@@ -4,9 +4,13 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/rig/Driver.h"
 #include "tests/rig/Program.h"

@@ -1,11 +1,13 @@
 // Every choice of the settings form has the effect that it promises.
 #include <gmock/gmock.h>
 
+#include <cstdint>
 #include <deque>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/rig/DeviceFiles.h"

@@ -1,6 +1,7 @@
 // The settings form in a terminal: quorvel-host form.
 #include <gmock/gmock.h>
 
+#include <optional>
 #include <string>
 
 #include "tests/rig/DeviceFiles.h"

@@ -1,6 +1,7 @@
 // The settings form of the built library, for several layouts of /dev.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "tests/rig/DeviceFiles.h"

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string>
 
 #include "QuorvelVersion.h"
 #include "tests/rig/Program.h"

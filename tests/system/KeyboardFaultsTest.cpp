@@ -4,6 +4,8 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <stdexcept>
+#include <string>
 #include <thread>
 
 #include "tests/rig/Driver.h"

@@ -5,6 +5,8 @@
 
 #include <array>
 #include <random>
+#include <string>
+#include <vector>
 
 #include "tests/rig/Threads.h"
 #include "tools/common/SerialLine.h"

@@ -9,6 +9,8 @@
 #include <array>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "tests/rig/Program.h"
 #include "tests/rig/SerialDriver.h"

@@ -7,11 +7,14 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <thread>
+#include <vector>
 
 #include "tests/rig/Program.h"
 #include "tests/rig/RawDevice.h"

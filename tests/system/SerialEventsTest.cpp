@@ -1,8 +1,14 @@
 // What the host is told of a scan: whose it is, what it is called, and its data.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstdint>
+#include <deque>
 #include <map>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/rig/RawDevice.h"
 

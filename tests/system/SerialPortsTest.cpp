@@ -5,10 +5,16 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <optional>
 #include <sstream>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/Program.h"

@@ -3,11 +3,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "tests/rig/Program.h"

@@ -3,9 +3,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "tests/rig/Program.h"
 #include "tests/rig/TestWindow.h"

@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <clocale>
 #include <filesystem>
+#include <string>
 
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/Program.h"

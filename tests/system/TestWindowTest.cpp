@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "tests/rig/Driver.h"

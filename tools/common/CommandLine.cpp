@@ -7,6 +7,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <initializer_list>
 #include <iostream>

@@ -3,6 +3,8 @@
 #include <dlfcn.h>
 
 #include <array>
+#include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <stdexcept>

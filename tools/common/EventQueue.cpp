@@ -2,7 +2,9 @@
 
 #include <sys/eventfd.h>
 
+#include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace terminal {
 

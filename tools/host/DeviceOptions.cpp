@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "tools/common/HostText.h"
 #include "tools/host/PortFile.h"

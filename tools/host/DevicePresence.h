@@ -2,6 +2,7 @@
 // component.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 

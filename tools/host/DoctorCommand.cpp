@@ -1,3 +1,7 @@
+#include <chrono>
+#include <string>
+#include <vector>
+
 #include "tools/host/Commands.h"
 #include "tools/host/DeviceOptions.h"
 #include "tools/host/Doctors.h"

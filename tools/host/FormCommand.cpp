@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "tools/common/FormDocument.h"
 #include "tools/common/HostText.h"

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <iostream>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "tools/common/HostText.h"
 #include "tools/common/VisibleText.h"

@@ -1,3 +1,7 @@
+#include <memory>
+#include <string>
+#include <utility>
+
 #include "tools/host/DevicePresence.h"
 #include "tools/host/XDisplay.h"
 

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "tools/host/SerialExamination.h"
 

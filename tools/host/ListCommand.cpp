@@ -1,6 +1,10 @@
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "tools/common/Output.h"
 #include "tools/common/VisibleText.h"

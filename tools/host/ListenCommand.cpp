@@ -1,9 +1,11 @@
 #include <poll.h>
 
 #include <chrono>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "tools/common/EndSignals.h"
 #include "tools/common/HostText.h"

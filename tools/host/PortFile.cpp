@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <limits>
 #include <string_view>
+#include <system_error>
 
 #include "tools/common/CommandLine.h"
 

@@ -1,9 +1,14 @@
 #include <poll.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
 
 #include "tools/host/DevicePresence.h"
 #include "tools/host/PortFile.h"

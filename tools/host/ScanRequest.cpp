@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <chrono>
 #include <iostream>
 
 #include "tools/common/Language.h"

@@ -1,3 +1,7 @@
+#include <chrono>
+#include <cstdint>
+#include <string>
+
 #include "tools/host/Doctors.h"
 #include "tools/host/EventData.h"
 #include "tools/host/PortFile.h"

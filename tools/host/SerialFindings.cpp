@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "tools/host/PortFile.h"
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "tools/host/DriverSettings.h"
 #include "tools/host/Findings.h"

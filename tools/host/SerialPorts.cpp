@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "tools/common/CommandLine.h"
 #include "tools/host/PortFile.h"

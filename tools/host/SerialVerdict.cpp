@@ -1,6 +1,7 @@
 #include "tools/host/SerialVerdict.h"
 
 #include <boost/locale/utf.hpp>
+#include <utility>
 
 #include "tools/common/VisibleText.h"
 #include "tools/host/LineModel.h"

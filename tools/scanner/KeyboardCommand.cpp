@@ -1,3 +1,9 @@
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "tools/common/KeyTyping.h"
 #include "tools/scanner/Commands.h"
 #include "tools/scanner/ScanSource.h"

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 namespace terminal {
 namespace {

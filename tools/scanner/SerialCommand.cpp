@@ -1,4 +1,7 @@
 #include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "tools/common/SerialLine.h"
 #include "tools/common/VisibleText.h"

@@ -3,7 +3,12 @@
 
 #include <chrono>
 #include <csignal>
+#include <memory>
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "devices/InputDeviceKeyboard.h"
 #include "tests/rig/Environment.h"

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "devices/KeyboardList.h"
 #include "devices/XConnection.h"

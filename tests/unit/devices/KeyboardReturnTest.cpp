@@ -3,9 +3,12 @@
 // keyboards in and out.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 

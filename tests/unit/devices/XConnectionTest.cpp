@@ -4,7 +4,10 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "devices/XConnection.h"
 #include "devices/XQueries.h"

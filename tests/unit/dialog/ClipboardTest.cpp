@@ -2,10 +2,12 @@
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "dialog/Clipboard.h"

@@ -1,6 +1,9 @@
 // GetParameters of the performer, in the language of the settings store.
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "performer/AppSettings.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/ExpectedForm.h"

@@ -3,8 +3,10 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "tests/rig/HostDoubles.h"
 #include "tests/rig/Variants.h"
