@@ -17,7 +17,10 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
   reader_ = std::make_shared<KeyboardReader>(callback_);
   if (!reader_->open(factory)) return false;
   auto threadsReader = std::make_unique<std::shared_ptr<KeyboardReader>>(reader_);
-  if (!thread_.start(ThreadFunction, threadsReader.get())) return false;
+  if (!thread_.start(ThreadFunction, threadsReader.get(),
+                     factory.forTestWindow ? kSmallStack : 0)) {
+    return false;
+  }
   threadsReader.release();
   return true;
 }
