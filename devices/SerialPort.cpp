@@ -91,7 +91,7 @@ SerialPort::~SerialPort() {
 bool SerialPort::open() {
   if (!wake_ || !openFile()) return false;
   if (owner_ == Owner::kHost) takeOver();
-  // Sends what another port of this process may have half read.
+  // Last, because it discards what came while the port was not yet this one's alone.
   setSpeed();
   return true;
 }
@@ -99,8 +99,8 @@ bool SerialPort::open() {
 bool SerialPort::openFile() {
   FileDescriptor file = openForReading(path_);
   if (!file) return false;
-  // A path may come back as something else, which is no port. At the first opening it is the host's
-  // word that counts.
+  // A path may come back as a file or a folder. At the first opening whatever can be opened will
+  // do.
   if (wasLost_ && !isCharacterDevice(file.get())) return false;
   wait_.emplace(file.get(), wake_.get());
   node_ = nodeAtPath();
@@ -185,7 +185,7 @@ void SerialPort::lose() {
   nextTry_ = openedAt_ + pause_;
   if (!everRead_) pause_ = std::min<Clock::duration>(2 * pause_, kLongestPause);
   dropExceptions([this] { watch_.emplace(path_.substr(path_.rfind('/') + 1), wake_.get()); });
-  // What has happened until now, the watch does not tell.
+  // The watch tells only what happens from now on.
   if (nodeAtPath() != node_) nextTry_ = now;
 }
 

@@ -196,7 +196,7 @@ TEST(SerialFaults, AHostThatThrows) {
   EXPECT_EQ(events.take(rig::kPatience)->data, u"scan");
 }
 
-// The readers are not to take the signals that are meant for the host's threads.
+// Asynchronous signals are for the host's own threads.
 TEST(SerialFaults, ReadersLeaveSignalsToTheHost) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);

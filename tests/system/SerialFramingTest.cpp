@@ -28,7 +28,7 @@ Messages base64Of(const std::vector<std::string>& messages) {
   return texts;
 }
 
-// What a reader makes of bytes that it finds in the line all at once, told once more: what stands
+// A model of what a reader makes of bytes that it finds in the line all at once: what stands
 // before each end, less the rest of the suffix; nothing of what no end follows.
 std::vector<std::string> messagesOf(std::string bytes, const std::string& suffix) {
   if (suffix.empty()) return bytes.empty() ? std::vector<std::string>() : std::vector{bytes};
@@ -71,7 +71,7 @@ const Framing kFramings[] = {
      {"12", "3"}},
     {"NoSuffix", kNone, "123\r456\r\n", {"123\r456\r\n"}},
     {"TwoBytes", kZhe, "ABC\xD0\x96", {"ABC"}},
-    {"TwoBytesUnlooked", kZhe, "ABCX\x96", {"ABC"}},
+    {"TwoBytesNotCompared", kZhe, "ABCX\x96", {"ABC"}},
     {"TwoBytesOfNothing", kZhe, "\xD0\x96", {""}},
     {"TwoBytesLoneTerminator", kZhe, "\x96", {}},
     {"TwoBytesManyMessages",
@@ -92,7 +92,7 @@ const Framing kFramings[] = {
      {"", "A"}},
     {"FourBytes", kFace, "ABC\xF0\x9F\x98\x80", {"ABC"}},
     {"FourBytesShorterThanCut", kFace, "XY\x80", {}},
-    // What is no character has no bytes: as good as no suffix.
+    // A code that is no character has no bytes, like no suffix.
     {"NoCharacter", 0x110000, "1\r", {"1\r"}},
     {"Surrogate", 0xD800, "1\r", {"1\r"}},
     {"NegativeCode", -2, "1\r", {"1\r"}},

@@ -117,7 +117,7 @@ TEST(WaitForReadyRead, DescriptorZeroIsNeverReady) {
   EXPECT_FALSE(waitForReadyRead(0, kForever));
 }
 
-TEST(WaitForReadyRead, WhatIsNoOpenDescriptorIsNeverReady) {
+TEST(WaitForReadyRead, AClosedDescriptorIsNeverReady) {
   TestPipe pipe;
   const int closed = pipe.readEnd.get();
   pipe.readEnd.reset();
@@ -214,7 +214,7 @@ TEST(InputDeviceComPort, AFactoryOfAnyValuesFailsWithoutHarm) {
   EXPECT_EQ(factory.create({}), nullptr);
 }
 
-TEST(InputDeviceComPort, ThatWasNeverStartedIsDestroyedAtOnce) {
+TEST(InputDeviceComPort, CanBeDestroyedWithoutHavingBeenStarted) {
   const InputDeviceComPort device([](const std::wstring&) {});
 }
 

@@ -116,11 +116,11 @@ TEST(DeviceFiles, AreThoseWhoseNameBeginsWithThePrefix) {
   }
 }
 
-TEST(DeviceFiles, OfAnUnknownPrefixAreNone) {
+TEST(DeviceFiles, AnUnknownPrefixHasNone) {
   EXPECT_TRUE(findDeviceFiles("no-device-is-called-this").empty());
 }
 
-TEST(DeviceFiles, AreNoneWhereTheyCannotBeSearched) {
+TEST(DeviceFiles, ListIsEmptyWhenFindCannotRun) {
   const rig::ScopedVariable nowhere("PATH", "/nonexistent");
   EXPECT_TRUE(findDeviceFiles("null").empty());
 }

@@ -1,0 +1,30 @@
+#include "tests/rig/BeforeEachByte.h"
+
+#include <dlfcn.h>
+#include <sys/types.h>
+
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+using Read = ssize_t (*)(int, void*, std::size_t);
+
+std::function<void()> action;
+
+}  // namespace
+
+// Stands before the C library's own: a program's names are looked up first.
+extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* buffer,
+                                                               std::size_t size) {
+  static const auto real = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "read"));
+  if (size == 1 && action) action();
+  return real(descriptor, buffer, size);
+}
+
+namespace rig {
+
+BeforeEachByte::BeforeEachByte(std::function<void()> beforeEach) { action = std::move(beforeEach); }
+BeforeEachByte::~BeforeEachByte() { action = nullptr; }
+
+}  // namespace rig
