@@ -8,6 +8,7 @@
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Program.h"
+#include "tests/rig/Threads.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
 
@@ -109,6 +110,28 @@ TEST_F(KeyboardToolsTest, TheHostSaysWhenTheKeyboardGoesAndWhenItIsBack) {
   server_.kill();
   EXPECT_EQ(host.errorLine(), "the device has gone: Keys");
   host.signal(SIGINT);
+  EXPECT_EQ(host.end().code, 0);
+}
+
+TEST_F(KeyboardToolsTest, AWindowOfTheHostsOwnLetsItHearTheScanner) {
+  const rig::Program manager({"matchbox-window-manager"});
+  const pid_t other = std::stoi(rig::outputOf({"sh", "-c", "echo $$"}));
+  rig::XClient client(server_.display());
+  const Window outer = client.openWindow();
+  client.setProcess(outer, other);
+  client.focus(client.openWindow(outer));
+  Program host({rig::hostPath(), "listen", "--keyboard", "Scanner", "--window", "--json"},
+               {{"LC_ALL", "C.UTF-8"}});
+  host.errorLine();
+  const auto title = [](const char* text) {
+    return rig::run({"wmctrl", "-a", text}, {{"LC_ALL", "C.UTF-8"}}).code == 0;
+  };
+  rig::await("the host's window", [&] { return title("quorvel-host: click here"); });
+  terminal::type(server_.keyboard(0), "4600051000057\r");
+  EXPECT_EQ(nlohmann::json::parse(host.line())["data"], "4600051000057");
+  // The window shows the last scan, and closing it ends the host.
+  rig::await("the scan in the window", [&] { return title("4600051000057"); });
+  rig::run({"wmctrl", "-c", "4600051000057"}, {{"LC_ALL", "C.UTF-8"}});
   EXPECT_EQ(host.end().code, 0);
 }
 

@@ -20,7 +20,7 @@ struct KeySample {
   bool isForeign = false;           // a key typed another character than on a US keyboard
   std::optional<int> separatorKey;  // what stands for a group separator and is not taken for one:
                                     // the value of GSSymbolKey that fits
-  Findings focus;  // where the focus was at the first key
+  Findings focus;                   // where the focus was at the first key
 };
 
 // Takes the keyboard for itself, so that a scan is typed nowhere else, and waits for a scan, at

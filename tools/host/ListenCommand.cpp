@@ -12,6 +12,7 @@
 #include "tools/host/Commands.h"
 #include "tools/host/DeviceOptions.h"
 #include "tools/host/EventPrinter.h"
+#include "tools/host/HostWindow.h"
 #include "tools/host/ListenNotices.h"
 
 namespace terminal {
@@ -19,6 +20,8 @@ namespace {
 
 constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kListening = {"listening as ", "слушаю, устройство "};
+constexpr Text kWindow = {"quorvel-host: click here, then scan",
+                          "quorvel-host: щёлкните здесь и сканируйте"};
 constexpr Text kUntil = {"; Ctrl-C ends", "; Ctrl-C — закончить"};
 
 struct ListenOptions {
@@ -26,6 +29,7 @@ struct ListenOptions {
   std::u16string className = u"InputDevice";
   std::size_t count = std::numeric_limits<std::size_t>::max();
   EventFormat format = EventFormat::kText;
+  bool hasWindow = false;
 };
 
 ListenOptions listenOptionsFrom(const Arguments& arguments) {
@@ -37,17 +41,20 @@ ListenOptions listenOptionsFrom(const Arguments& arguments) {
   };
   const auto takeJson = [&](const std::string&) { listen.format = EventFormat::kJson; };
   std::vector<Option> table = listen.device.table();
-  table.insert(table.end(),
-               {{"class", true, takeClass}, {"count", true, takeCount}, {"json", false, takeJson}});
+  const auto takeWindow = [&](const std::string&) { listen.hasWindow = true; };
+  table.insert(table.end(), {{"class", true, takeClass},
+                             {"count", true, takeCount},
+                             {"json", false, takeJson},
+                             {"window", false, takeWindow}});
   const Arguments rest = readOptions(arguments, table);
   if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
   listen.device.requireDevice();
   return listen;
 }
 
-// Prints events until `count` are out or a signal asks for the end.
+// Prints events until `count` are out, a signal asks for the end, or the window is closed.
 void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTeller& presence,
-                   const EndSignals& end) {
+                   std::optional<HostWindow>& window, const EndSignals& end) {
   constexpr int kBetweenLooks = 250;  // milliseconds
   SilenceHint hint(listen.device);
   for (std::size_t printed = 0; printed < listen.count;) {
@@ -58,8 +65,10 @@ void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTell
       print(*event, listen.format);
       ++printed;
       hint.drop();
+      if (window) window->show(toUtf8(event->data));
       continue;
     }
+    if (window && window->isClosed()) return;
     presence.look();
     hint.look();
   }
@@ -80,6 +89,8 @@ options:
   --class NAME      InputDevice (default) or CardReaderDevice
   --count N         end by itself after N scans
   --json            one JSON object per scan
+  --window          open a small window: a scanner that types is heard while it has
+                    the focus, as in an application
 )",
     R"(запуск: quorvel-host listen (--port N|ФАЙЛ | --keyboard ИМЯ) [КЛЮЧ...]
 
@@ -94,12 +105,16 @@ options:
   --class ИМЯ       InputDevice (по умолчанию) или CardReaderDevice
   --count N         закончить после N сканирований
   --json            каждое сканирование — объект JSON
+  --window          открыть небольшое окно: сканер-клавиатура слышен, пока фокус в
+                    нём, как в приложении
 )"};
 
 int runListen(ComponentLibrary& library, const Arguments& arguments) {
   const ListenOptions listen = listenOptionsFrom(arguments);
   const EndSignals end;
   PresenceTeller presence(listen.device);
+  std::optional<HostWindow> window;
+  if (listen.hasWindow) window.emplace(say(kWindow));
   Component component(library, listen.className);
   component.object().SetLocale(userLocale());
   listen.device.applyTo(component);
@@ -113,7 +128,7 @@ int runListen(ComponentLibrary& library, const Arguments& arguments) {
   }
   presence.begin();
   tell(say(kListening) + toUtf8(*id) + say(kUntil));
-  printUntilEnd(component.events(), listen, presence, end);
+  printUntilEnd(component.events(), listen, presence, window, end);
   component.close(*id);
   // What was scanned before the device was closed has been scanned.
   while (const auto event = component.events().take(std::chrono::milliseconds(0))) {
