@@ -14,6 +14,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -171,6 +172,25 @@ TEST(SerialUnplug, ClosingDoesNotWaitForTheScanner) {
   }
   std::cout << kPorts << " lost ports closed in " << milliseconds(quickest) << " ms\n";
   EXPECT_LT(quickest, 500ms);
+}
+
+TEST(SerialUnplug, ClosingAtTheMomentOfUnplugging) {
+  SerialDriver driver;
+  Scanner scanner;
+  const std::size_t threads = rig::settledThreadCount();
+  const std::size_t descriptors = rig::descriptorCount();
+  for (int i = 0; i < 100; ++i) {
+    driver.open(kUsb1);
+    std::thread unplugging([&scanner] {
+      scanner.unplug();
+      scanner.plugIn();
+    });
+    driver.closeAll();
+    unplugging.join();
+  }
+  rig::awaitThreadCount(threads);
+  // With the first loss a process gets one that tells of new device files.
+  EXPECT_LE(rig::descriptorCount(), descriptors + 1);
 }
 
 TEST(SerialUnplug, APortThatMayNotBeOpenedYetIsTriedAgain) {
