@@ -2,6 +2,8 @@
 
 #include <X11/extensions/XInput2.h>
 
+#include <utility>
+
 #include "devices/KeyboardList.h"
 
 namespace quorvel {
@@ -86,12 +88,13 @@ bool KeyboardClaim::subscribe() const {
 void KeyboardClaim::release() {
   // X servers crash when a device is ungrabbed that is switched off, as all are while another
   // virtual terminal is in front.
-  if (!held_ || !isXInputDeviceEnabled(connection_, *deviceId_)) return;
-  connection_.call([this](Display* display) {
-    XIUngrabDevice(display, *deviceId_, CurrentTime);
-    XFlush(display);
-  });
-  held_ = false;
+  if (std::exchange(held_, false) && isXInputDeviceEnabled(connection_, *deviceId_)) {
+    connection_.call([this](Display* display) {
+      XIUngrabDevice(display, *deviceId_, CurrentTime);
+      // The host may open the keyboard anew as soon as this has returned.
+      XSync(display, False);
+    });
+  }
 }
 
 bool KeyboardClaim::handle(const XIHierarchyEvent& event) {
@@ -101,10 +104,14 @@ bool KeyboardClaim::handle(const XIHierarchyEvent& event) {
   for (int i = 0; i < event.num_info; ++i) {
     const XIHierarchyInfo& device = event.info[i];
     if (device.deviceid != before) continue;
-    if (device.flags & kRemoved) deviceId_.reset();
-    // A device that was switched off keeps what clients have asked for, as a rule.
-    if (device.flags & (kRemoved | XIDeviceEnabled)) held_ = false;
     interrupted = device.flags & (kRemoved | XIDeviceEnabled | XIDeviceDisabled);
+    if (device.flags & kRemoved) {
+      deviceId_.reset();
+      held_ = false;
+    } else if (device.flags & XIDeviceEnabled) {
+      // As a rule it is held still.
+      held_ = subscribe();
+    }
   }
   regain();
   return interrupted || deviceId_ != before;
@@ -117,10 +124,7 @@ void KeyboardClaim::regain() {
   if (!deviceId_) settled_ = false;
   if (!settled_) {
     const std::optional<int> found = findDevice(connection_, name_);
-    if (found != deviceId_) {
-      release();
-      held_ = false;
-    }
+    if (found != deviceId_) release();
     deviceId_ = found;
   }
   if (!held_) held_ = deviceId_ && subscribe();

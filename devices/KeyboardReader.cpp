@@ -27,24 +27,31 @@ bool KeyboardReader::open(const InputDeviceKeyboardFactory& factory) {
 void KeyboardReader::stop() {
   running_ = false;
   if (stop_) eventfd_write(stop_.get(), 1);
+  if (thread_ == std::this_thread::get_id()) release();
 }
 
 void KeyboardReader::ReadThread() {
   struct Release {
     ~Release() {
-      keyboard.release();
-      connection.setSigpipe(Sigpipe::kUnblocked);
+      reader.release();
+      reader.thread_ = std::thread::id();
     }
-    KeyboardClaim& keyboard;
-    const XConnection& connection;
+    KeyboardReader& reader;
   };
-  const Release release{*keyboard_, connection_};
-  // As every signal that is no fault.
+  const Release release{*this};
+  thread_ = std::this_thread::get_id();
+  // As it blocks every signal that is no fault.
   connection_.setSigpipe(Sigpipe::kBlocked);
   while (running_ && !connection_.lost()) {
     dropExceptions([this] { readOnce(); });
   }
   dropExceptions([] { log(std::string(115, '-')); });
+}
+
+void KeyboardReader::release() {
+  // From here on the thread may run with the host's signal mask.
+  connection_.setSigpipe(Sigpipe::kUnblocked);
+  keyboard_->release();
 }
 
 void KeyboardReader::readOnce() {

@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <optional>
+#include <string>
+#include <thread>
 
 #include "devices/FocusTracker.h"
 #include "devices/InputDevice.h"
@@ -32,10 +34,12 @@ class KeyboardReader {
   void ReadThread();
 
   // Makes ReadThread() return after the event that it is handling. No further message is delivered.
-  // Any thread, the callback's too.
+  // Called inside the callback, releases the keyboard at once, so that the host may open it again.
+  // Any thread.
   void stop();
 
  private:
+  void release();
   void readOnce();
   // The next event that the server has sent; false when there is none, or the connection is lost.
   bool nextEvent(XEvent& event) const;
@@ -50,7 +54,8 @@ class KeyboardReader {
   const DataCallback callback_;
   std::optional<SignalMask> hostSignals_;  // of the thread that opened the device
   std::atomic<bool> running_ = true;
-  FileDescriptor stop_;  // becomes readable when the reader is to stop
+  std::atomic<std::thread::id> thread_;  // that runs ReadThread()
+  FileDescriptor stop_;                  // becomes readable when the reader is to stop
   XConnection connection_;
   std::optional<KeyboardClaim> keyboard_;
   std::optional<FocusTracker> focus_;

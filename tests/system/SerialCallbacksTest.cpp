@@ -10,31 +10,18 @@
 #include <memory>
 #include <semaphore>
 
+#include "tests/rig/ActingConnection.h"
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
 
 namespace {
 
+using rig::ActingConnection;
 using rig::SerialDriver;
 using terminal::SerialLine;
 
 constexpr std::int32_t kUsb1 = 129;
-
-// A connection whose event of the scan "act" does something before it is taken.
-class ActingConnection : public terminal::HostConnection {
- public:
-  ActingConnection(terminal::EventQueue& events, std::function<void()> action)
-      : HostConnection(events), action_(std::move(action)) {}
-
-  bool ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) override {
-    if (std::u16string(data) == u"act") action_();
-    return HostConnection::ExternalEvent(source, message, data);
-  }
-
- private:
-  const std::function<void()> action_;
-};
 
 // A driver whose events go through such a connection.
 struct ActingDriver : SerialDriver {
