@@ -27,18 +27,49 @@ void noticeLoss(Display*, void*) {
       nullptr, nullptr);
 }
 
+// Whether gtk_init or its like has run, even if there was no display: it registers this type, which
+// gdk_display_get_default does as well.
+bool isGtkInitialised() { return g_type_from_name("GdkDisplayManager") != 0; }
+
+// The event source of a connection that was lost while it was being opened. The host's main loop
+// must not come to use it.
+void removeEventSource(guint id) {
+  GSource* const source = g_main_context_find_source_by_id(nullptr, id);
+  const char* const name = source ? g_source_get_name(source) : nullptr;
+  if (name && g_str_has_prefix(name, "GDK X11 Event source")) g_source_remove(id);
+}
+
+guint nextSourceId() {
+  const guint id = g_idle_add([](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, nullptr);
+  g_source_remove(id);
+  return id;
+}
+
+// What gtk_init_check does, in two steps: the first one installs error handlers that exit and talks
+// to no server, the second one opens the display.
+void openDisplay() {
+  gtk_parse_args(nullptr, nullptr);
+  installXErrorHandlers();
+  const guint firstId = nextSourceId();
+  GdkDisplay* display = nullptr;
+  state.lost = !guardXCall([&] { display = gdk_display_open_default_libgtk_only(); });
+  if (state.lost) {
+    const guint lastId = nextSourceId();
+    for (guint id = firstId; id != lastId; ++id) removeEventSource(id);
+    return;
+  }
+  state.prepared = display != nullptr;
+  if (display) adoptDisplay(gdk_x11_display_get_xdisplay(display), noticeLoss, nullptr);
+}
+
 void prepareOnce() {
   // XInitThreads must precede the first display, which may be the one that GTK is about to open.
   installXErrorHandlers();
+  // GTK warns about this call when it comes too late.
+  if (!isGtkInitialised()) gtk_disable_setlocale();
   // A display that the host opened keeps the host's error handling.
   state.prepared = gdk_display_get_default() != nullptr;
-  if (state.prepared) return;
-  gtk_disable_setlocale();
-  state.prepared = gtk_init_check(nullptr, nullptr);
-  if (state.prepared) {
-    adoptDisplay(gdk_x11_display_get_xdisplay(gdk_display_get_default()), noticeLoss, nullptr);
-  }
-  // GTK has installed handlers that exit; put the driver's back on top.
+  if (!state.prepared) openDisplay();
   installXErrorHandlers();
 }
 
@@ -46,7 +77,7 @@ void prepareOnce() {
 
 bool prepareGtk(void (*displayLost)()) {
   state.displayLost = displayLost;
-  if (!state.prepared) prepareOnce();
+  if (!state.prepared && !state.lost) prepareOnce();
   return state.prepared && !state.lost;
 }
 
