@@ -3,9 +3,11 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "dialog/Clipboard.h"
+#include "dialog/DeviceWatch.h"
 #include "dialog/Gtk.h"
 #include "dialog/ListColumns.h"
 #include "dialog/WindowKeys.h"
@@ -82,9 +84,13 @@ DevTestDialogLinux::DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboar
       keyboardFactory_(keyboardFactory),
       comPortFactory_(comPortFactory),
       outputDataType_(outputDataType),
-      rows_([](const Row& row) { AddItemToList(row.source.c_str(), row.data.c_str()); }) {}
+      rows_([](const Row& row) { AddItemToList(row.source.c_str(), row.data.c_str()); }) {
+  keyboardFactory_.forTestWindow = true;
+  comPortFactory_.forTestWindow = true;
+}
 
-DevTestDialogLinux::~DevTestDialogLinux() { stopListeners(); }
+// The listeners push rows until they have stopped.
+DevTestDialogLinux::~DevTestDialogLinux() { listeners_.clear(); }
 
 std::string DevTestDialogLinux::LoadString(STRING_ID id) const {
   std::string text = textWithMnemonic(id);
@@ -103,6 +109,9 @@ void DevTestDialogLinux::ShowDlg() {
     if (mDlg) gtk_dialog_response(GTK_DIALOG(mDlg), GTK_RESPONSE_NONE);
   };
   if (mDlg || !prepareGtk(close)) return;
+  // Watches before it lists, or a device that comes in between is missed.
+  const DeviceWatch watch([this](std::uint32_t port) { DoListenPort(port); },
+                          [this] { ListenKeyboardDevices(); });
   ListenPorts();
   ListenKeyboardDevices();
   const SharedWidgets widgets;

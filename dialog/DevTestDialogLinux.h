@@ -28,12 +28,13 @@ class DevTestDialogLinux {
   DevTestDialogLinux(const InputDeviceKeyboardFactory& keyboardFactory,
                      const InputDeviceComPortFactory& comPortFactory, bool russian,
                      int outputDataType);
-  // Stops the listeners side by side, which takes about a second however many there are.
+  // Stops the listeners.
   ~DevTestDialogLinux();
   DevTestDialogLinux(const DevTestDialogLinux&) = delete;
   DevTestDialogLinux& operator=(const DevTestDialogLinux&) = delete;
 
-  // Shows the window and runs the main loop until the user closes it. Returns at once when there
+  // Shows the window and runs the main loop until the user closes it. Devices that appear meanwhile
+  // are listened to as well. Returns at once when there
   // is no display or a dialog is open already. Devices that cannot be opened stay silent.
   void ShowDlg();
 
@@ -53,9 +54,8 @@ class DevTestDialogLinux {
   void DoListenPort(unsigned port);
   void ListenKeyboardDevices();
   void DoListenKeyboardDevice(const std::wstring& name);
-  // Starts a listener unless one of that name exists.
+  // Starts a listener unless one of that name is running.
   void listen(const std::wstring& source, InputDeviceFactory& factory);
-  void stopListeners();
 
   std::string textWithMnemonic(STRING_ID id) const;
   void buildWindow() const;

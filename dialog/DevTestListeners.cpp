@@ -1,25 +1,12 @@
 // The devices that the test window listens to.
-#include <list>
-
 #include "devices/KeyboardList.h"
 #include "devices/SerialFamilies.h"
 #include "devices/XConnection.h"
 #include "dialog/DevTestDialogLinux.h"
 #include "dialog/RowTexts.h"
-#include "util/PosixThread.h"
 #include "util/Text.h"
 
 namespace quorvel {
-namespace {
-
-using Listener = std::shared_ptr<InputDevice>;
-
-void* stop(void* listener) {
-  static_cast<Listener*>(listener)->reset();
-  return nullptr;
-}
-
-}  // namespace
 
 // Only the number of files counts: each family is assumed to be numbered from 0 without gaps.
 void DevTestDialogLinux::ListenPorts() {
@@ -47,29 +34,15 @@ void DevTestDialogLinux::DoListenKeyboardDevice(const std::wstring& name) {
 }
 
 void DevTestDialogLinux::listen(const std::wstring& source, InputDeviceFactory& factory) {
-  const auto [listener, isNew] = listeners_.try_emplace(source);
+  std::shared_ptr<InputDevice>& listener = listeners_[source];
   // Of devices that share a name, the first is listened to.
-  if (!isNew) return;
-  listener->second =
-      factory.create([this, source](const std::wstring& data) { OnInput(source, data); });
+  if (listener) return;
+  listener = factory.create([this, source](const std::wstring& data) { OnInput(source, data); });
 }
 
 void DevTestDialogLinux::OnInput(const std::wstring& source, const std::wstring& data) {
   if (data.empty()) return;
   rows_.push({sourceCell(source), dataCell(data, outputDataType_)});
-}
-
-void DevTestDialogLinux::stopListeners() {
-  std::list<PosixThread> stoppers;
-  try {
-    for (auto& [source, listener] : listeners_) {
-      if (listener) stoppers.emplace_back().start(stop, &listener);
-    }
-  } catch (...) {
-    // Out of memory: clearing the map stops the remaining listeners one by one.
-  }
-  for (PosixThread& stopper : stoppers) stopper.join();
-  listeners_.clear();
 }
 
 }  // namespace quorvel

@@ -145,6 +145,13 @@ void TestWindow::await(const std::string& what, const std::function<bool()>& con
   g_source_remove(timer);
 }
 
+void TestWindow::run(std::chrono::milliseconds time) const {
+  bool over = false;
+  const guint timer = g_timeout_add(static_cast<guint>(time.count()), setFlag, &over);
+  while (!over && !response_) g_main_context_iteration(nullptr, TRUE);
+  if (!over) g_source_remove(timer);
+}
+
 GtkButton* TestWindow::button(const std::string& label) const {
   for (GtkWidget* const widget : widgets(GTK_TYPE_BUTTON)) {
     const gchar* const text = gtk_button_get_label(GTK_BUTTON(widget));

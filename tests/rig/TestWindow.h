@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <gtk/gtk.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -52,6 +53,9 @@ class TestWindow {
 
   // Lets the main loop run until the condition holds; throws std::runtime_error when it never does.
   void await(const std::string& what, const std::function<bool()>& condition) const;
+
+  // Lets the main loop run for so long, or until the window is closed.
+  void run(std::chrono::milliseconds time) const;
 
   // Throws std::runtime_error when there is no button with this label.
   GtkButton* button(const std::string& label) const;

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -43,15 +44,7 @@ Picture grabAtRest(const rig::TestWindow& window) {
   constexpr int kSame = 5;
   Picture picture = grab(window);
   for (int same = 0; same < kSame;) {
-    bool over = false;
-    g_timeout_add(
-        100,
-        [](gpointer moment) -> gboolean {
-          *static_cast<bool*>(moment) = true;
-          return G_SOURCE_REMOVE;
-        },
-        &over);
-    window.await("a moment", [&] { return over; });
+    window.run(std::chrono::milliseconds(100));
     Picture next = grab(window);
     same = areEqual(picture.get(), next.get()) ? same + 1 : 0;
     picture = std::move(next);

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <functional>
@@ -86,15 +87,7 @@ class TestWindowKeys : public rig::WindowTest {
 
   // Longer than a lone key is waited for.
   static void expectUntouched(TestWindow& window) {
-    bool over = false;
-    g_timeout_add(
-        100,
-        [](gpointer moment) -> gboolean {
-          *static_cast<bool*>(moment) = true;
-          return G_SOURCE_REMOVE;
-        },
-        &over);
-    window.await("a moment", [&] { return over || window.response(); });
+    window.run(std::chrono::milliseconds(100));
     EXPECT_FALSE(window.response());
     EXPECT_EQ(window.row(0), (Row{"USB1:", "row 'CR' "}));
     EXPECT_EQ(window.selected(), 0);
