@@ -124,6 +124,22 @@ TEST(ListenCommand, EveryCommandSaysWhenItsOutputCannotBeWritten) {
   }
 }
 
+TEST(ListenCommand, SaysWhenTheDeviceIsBackAndScansOn) {
+  std::optional<Scanner> scanner(std::in_place);
+  Program host(listenWords({"--port", "129"}), kEnglish);
+  host.errorLine();
+  scanner->waitForReader(-1, rig::kPatience);
+  scanner.reset();
+  EXPECT_EQ(host.errorLine(), "the device has gone: /dev/ttyUSB0");
+  scanner.emplace();
+  EXPECT_EQ(host.errorLine(), "the device is back: /dev/ttyUSB0");
+  scanner->waitForReader(-1, rig::kPatience);
+  scanner->send("123\r");
+  EXPECT_THAT(host.line(), EndsWith("  123"));
+  host.signal(SIGINT);
+  EXPECT_EQ(host.end().code, 0);
+}
+
 TEST(ListenCommand, SaysWhenTheDeviceGoes) {
   for (const auto& [locale, text] : {std::pair(kEnglish, "the device has gone: /dev/ttyUSB0"),
                                      std::pair(kRussian, "устройство отключено: /dev/ttyUSB0")}) {
