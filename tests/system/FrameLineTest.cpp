@@ -4,6 +4,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <ostream>
 #include <string>
 
 #include "tests/rig/Driver.h"
@@ -53,6 +54,9 @@ struct EndByte {
   const char* name;
   std::string scan;
 };
+
+// Without it GoogleTest shows the bytes of the object, some of which are never set.
+void PrintTo(const EndByte& end, std::ostream* output) { *output << end.name; }
 
 class FrameLineEnd : public testing::TestWithParam<EndByte> {};
 
