@@ -15,9 +15,17 @@ struct State {
 };
 State state;
 
+// Numbers for what GTK goes on to create on a lost display, where Xlib's own allocator aborts. The
+// requests themselves go nowhere.
+XID allocateAnyId(Display*) {
+  static XID last = 0;
+  return ++last;
+}
+
 // Called inside a GTK call; notify from the main loop after it has unwound.
-void noticeLoss(Display*, void*) {
+void noticeLoss(Display* display, void*) {
   state.lost = true;
+  reinterpret_cast<_XPrivDisplay>(display)->resource_alloc = allocateAnyId;
   g_idle_add_full(
       G_PRIORITY_HIGH,
       [](gpointer) -> gboolean {
