@@ -127,7 +127,10 @@ void KeyboardClaim::regain() {
     if (found != deviceId_) release();
     deviceId_ = found;
   }
-  if (!held_) held_ = deviceId_ && subscribe();
+  if (!held_ && deviceId_) {
+    firstRequest_ = NextRequest(connection_.get());
+    held_ = subscribe();
+  }
   searching_ = false;
 }
 
@@ -136,8 +139,10 @@ std::optional<std::chrono::milliseconds> KeyboardClaim::retryInterval() const {
   return isRefused || searching_ ? std::optional(kRetryInterval) : std::nullopt;
 }
 
-bool KeyboardClaim::acceptsKeyOf(int deviceId) {
-  if (deviceId != deviceId_) return false;
+// The server gives the number of a device that has gone to another one. Keys that were on their way
+// before this device was claimed are not its own.
+bool KeyboardClaim::accepts(const XIDeviceEvent& key) {
+  if (key.deviceid != deviceId_ || key.serial < firstRequest_) return false;
   settled_ = true;
   return true;
 }

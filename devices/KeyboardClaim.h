@@ -38,7 +38,7 @@ class KeyboardClaim {
   void retry() { regain(); }
 
   // Whether a key is of this keyboard.
-  bool acceptsKeyOf(int deviceId);
+  bool accepts(const XIDeviceEvent& key);
 
   // The major opcode of the input extension's events; 0 without the extension.
   int inputExtension() const { return inputExtension_; }
@@ -52,7 +52,8 @@ class KeyboardClaim {
   const bool listenOnly_;
   int inputExtension_ = 0;
   std::optional<int> deviceId_;
-  bool held_ = false;       // grabbed or listened to
+  unsigned long firstRequest_ = 0;  // whose answer, or a later one, the device's keys follow
+  bool held_ = false;               // grabbed or listened to
   bool settled_ = true;     // stays with this device, even when a later one has the name, too
   bool searching_ = false;  // a search was broken off
 };

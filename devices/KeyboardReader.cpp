@@ -87,7 +87,7 @@ void KeyboardReader::handle(XEvent& event) {
   const XEventData data(connection_, event);
   const int inputExtension = keyboard_->inputExtension();
   if (const auto* key = data.as<XIDeviceEvent>(inputExtension, XI_KeyPress)) {
-    if (keyboard_->acceptsKeyOf(key->deviceid)) handleKey(*key);
+    if (keyboard_->accepts(*key)) handleKey(*key);
   } else if (!data.as<XIDeviceEvent>(inputExtension, XI_KeyRelease)) {
     const auto* change = data.as<XIHierarchyEvent>(inputExtension, XI_HierarchyChanged);
     focus_->handle(event);
