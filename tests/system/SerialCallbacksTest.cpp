@@ -23,9 +23,26 @@ using terminal::SerialLine;
 
 constexpr std::int32_t kUsb1 = 129;
 
+// Lets an action begin only when the test has done its part: a component is used on one thread at a
+// time.
+class Turn {
+ public:
+  void allow() { allowed_.release(); }
+  std::function<void()> before(std::function<void()> action) {
+    return [this, action = std::move(action)] {
+      allowed_.acquire();
+      action();
+    };
+  }
+
+ private:
+  std::binary_semaphore allowed_{0};
+};
+
 // A driver whose events go through such a connection.
 struct ActingDriver : SerialDriver {
-  explicit ActingDriver(std::function<void()> action) : connection(acted, std::move(action)) {
+  explicit ActingDriver(std::function<void()> action)
+      : connection(acted, turn.before(std::move(action))) {
     component.object().Init(&connection);
   }
   ~ActingDriver() { closeAll(); }
@@ -36,6 +53,7 @@ struct ActingDriver : SerialDriver {
     return *event;
   }
 
+  Turn turn;
   terminal::EventQueue acted;
   ActingConnection connection;
 };
@@ -53,6 +71,7 @@ TEST(SerialCallbacks, ClosesItsOwnDevice) {
     id = acting.open(kUsb1);
     // The second scan waits already when the device is closed.
     line.send("act\rtoo late\r");
+    acting.turn.allow();
     EXPECT_EQ(acting.nextEvent().data, u"act");
     EXPECT_TRUE(closed);
     rig::awaitThreadCount(threads);
@@ -73,6 +92,7 @@ TEST(SerialCallbacks, OpensItsPortAgain) {
   SerialLine& line = acting.plugIn(kUsb1);
   first = acting.open(kUsb1);
   line.send("act\r");
+  acting.turn.allow();
   EXPECT_EQ(acting.nextEvent().source, first);
   for (int scan = 0; scan < 10; ++scan) {
     line.send("scan\r");
@@ -91,7 +111,8 @@ TEST(SerialCallbacks, DestroysItsComponent) {
   const std::size_t descriptors = rig::descriptorCount();
 
   std::unique_ptr<terminal::Component> component;
-  ActingConnection connection(events, [&component] { component.reset(); });
+  Turn turn;
+  ActingConnection connection(events, turn.before([&component] { component.reset(); }));
   component = std::make_unique<terminal::Component>(library, u"InputDevice");
   component->object().Init(&connection);
   for (const std::int32_t port : {kUsb1, kUsb1 + 1}) {
@@ -99,6 +120,7 @@ TEST(SerialCallbacks, DestroysItsComponent) {
     ASSERT_NE(component->open(), std::nullopt);
   }
   lines[0].send("act\rtoo late\r");
+  turn.allow();
   EXPECT_EQ(events.take(rig::kPatience)->data, u"act");
   rig::awaitThreadCount(threads);
   EXPECT_EQ(component, nullptr);
@@ -114,6 +136,7 @@ TEST(SerialCallbacks, EndsItsThread) {
     SerialLine& line = driver.plugIn(kUsb1);
     const std::u16string id = driver.open(kUsb1);
     line.send("act\r");
+    driver.turn.allow();
     rig::awaitThreadCount(threads);
     EXPECT_TRUE(driver.close(id));
     const std::u16string again = driver.open(kUsb1);
@@ -146,6 +169,7 @@ TEST(SerialCallbacks, RunWithTheSignalMaskOfTheThreadThatOpened) {
   const pid_t reader = rig::threadAddedBy([&] { driver.open(kUsb1); });
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
   line.send("act\rscan\r");
+  driver.turn.allow();
   driver.nextEvent();
   EXPECT_FALSE(usr1);
   EXPECT_TRUE(usr2);
@@ -166,6 +190,7 @@ TEST(SerialCallbacks, FaultIntoTheHostsOwnHandler) {
   sigaction(SIGFPE, &count, &before);
   driver.open(kUsb1);
   line.send("act\r");
+  driver.turn.allow();
   EXPECT_EQ(driver.nextEvent().data, u"act");
   EXPECT_EQ(faults, 1);
   sigaction(SIGFPE, &before, nullptr);
