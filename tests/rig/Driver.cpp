@@ -1,9 +1,6 @@
 #include "tests/rig/Driver.h"
 
-#include <malloc.h>
-
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
 
 #include "tools/common/HostText.h"
@@ -15,12 +12,6 @@ std::string fromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
   if (!value) throw std::runtime_error(std::string(name) + " is not set: run the test by ctest");
   return value;
-}
-
-std::size_t entriesOf(const char* folder) {
-  std::size_t entries = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder)) ++entries;
-  return entries;
 }
 
 }  // namespace
@@ -54,10 +45,5 @@ terminal::Event Driver::event() {
   if (!event) throw std::runtime_error("no event came");
   return *event;
 }
-
-std::size_t threadCount() { return entriesOf("/proc/self/task"); }
-std::size_t descriptorCount() { return entriesOf("/proc/self/fd"); }
-
-std::size_t heapBytes() { return mallinfo2().uordblks; }
 
 }  // namespace rig

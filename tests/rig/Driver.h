@@ -1,11 +1,11 @@
 // The built library, loaded into this process.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 
 #include "tests/rig/Patience.h"
+#include "tests/rig/Process.h"
 #include "tools/common/ComponentHost.h"
 
 namespace rig {
@@ -35,13 +35,5 @@ struct Driver {
   terminal::ComponentLibrary library;
   terminal::Component component;
 };
-
-// Threads and open descriptors of this process.
-std::size_t threadCount();
-std::size_t descriptorCount();
-
-// Bytes that this process has allocated and not freed; none under a sanitizer, which finds leaks
-// itself.
-std::size_t heapBytes();
 
 }  // namespace rig

@@ -6,6 +6,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "tests/rig/Program.h"
+
 namespace rig {
 namespace {
 
@@ -27,6 +29,13 @@ std::string expectedForm(const std::string& language, std::string_view portItems
   replaceMark(document, "@PORTS@", portItems);
   replaceMark(document, "@KEYBOARDS@", keyboardItems);
   return document;
+}
+
+bool isWellFormed(const std::string& document) {
+  Program xmllint({"xmllint", "--noout", "-"});
+  xmllint.write(document);
+  xmllint.endInput();
+  return xmllint.end().code == 0;
 }
 
 testing::AssertionResult areSame(std::string_view document, std::string_view other) {

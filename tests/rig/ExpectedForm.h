@@ -1,4 +1,4 @@
-// The settings form that the driver should offer, from the documents in tests/data.
+// What the settings form that the driver offers should be, from the documents in tests/data.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,6 +16,9 @@ std::string choiceItem(std::string_view value, std::string_view text);
 // no such document.
 std::string expectedForm(const std::string& language, std::string_view portItems,
                          std::string_view keyboardItems);
+
+// By xmllint.
+bool isWellFormed(const std::string& document);
 
 // Whether two documents are equal byte for byte. A failure shows where they first differ: they are
 // too long to be shown whole.

@@ -21,13 +21,6 @@ inline std::string englishForm() {
   return outputOf({hostPath(), "--library", englishLibraryPath(), "form", "--xml"});
 }
 
-inline bool isWellFormed(const std::string& document) {
-  Program xmllint({"xmllint", "--noout", "-"});
-  xmllint.write(document);
-  xmllint.endInput();
-  return xmllint.end().code == 0;
-}
-
 // The parameters of all groups.
 inline std::vector<terminal::FormParameter> parametersOf(Driver& driver) {
   std::vector<terminal::FormParameter> parameters;

@@ -10,11 +10,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
+#include <chrono>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/rig/Driver.h"
+#include "tests/rig/Patience.h"
+#include "tests/rig/ScratchFolder.h"
 
 namespace rig {
 namespace {
@@ -68,6 +71,11 @@ pid_t spawn(Words words, const Variables& variables, const std::array<int, 3>& s
   return process;
 }
 
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 }  // namespace
 
 Program::Program(const Words& words, const Variables& variables) {
@@ -88,6 +96,8 @@ Program::~Program() {
 }
 
 void Program::write(const std::string& input) {
+  // The program may have to be read before it reads on: the pipe takes the whole input.
+  fcntl(input_.get(), F_SETPIPE_SZ, static_cast<int>(input.size()));
   if (::write(input_.get(), input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
     throw std::system_error(errno, std::generic_category(), "input of a program");
   }
@@ -141,10 +151,29 @@ Ending run(const Words& words, const Variables& variables) {
   return program.end();
 }
 
-std::string outputOf(const Words& words) {
-  const Ending ending = run(words);
+std::string outputOf(const Words& words, const std::string& input) {
+  Program program(words);
+  program.write(input);
+  program.endInput();
+  const Ending ending = program.end();
   if (ending.code != 0) throw std::runtime_error(words.front() + ": " + ending.errors);
   return ending.output;
+}
+
+std::vector<Ending> endingsOf(const std::string& command, const std::vector<std::string>& inputs) {
+  const ScratchFolder folder;
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    std::ofstream(folder.path() / (std::to_string(i) + ".in"), std::ios::binary) << inputs[i];
+  }
+  outputOf({"sh", "-c",
+            "cd '" + folder.path().string() + "' && for in in *.in; do out=${in%.in}; (" + command +
+                ") < $in > $out.out 2> /dev/null; echo $? > $out.code; done"});
+  std::vector<Ending> endings;
+  for (std::size_t i = 0; i < inputs.size(); ++i) {
+    const std::string name = folder.path() / std::to_string(i);
+    endings.push_back({std::stoi(contentOf(name + ".code")), contentOf(name + ".out"), ""});
+  }
+  return endings;
 }
 
 }  // namespace rig

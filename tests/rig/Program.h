@@ -31,7 +31,7 @@ class Program {
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  // Writes to its standard input, and ends that.
+  // Writes up to a megabyte to its standard input, and ends that.
   void write(const std::string& input);
   void endInput();
 
@@ -64,7 +64,11 @@ class Program {
 // Runs a program to its end, without input.
 Ending run(const Words& words, const Variables& variables = {});
 
-// The output of a program that must succeed.
-std::string outputOf(const Words& words);
+// The output of a program that must succeed, given an input of up to a megabyte.
+std::string outputOf(const Words& words, const std::string& input = {});
+
+// Runs a shell command once for each input, all in one shell: the endings of all, without what they
+// wrote to their standard error.
+std::vector<Ending> endingsOf(const std::string& command, const std::vector<std::string>& inputs);
 
 }  // namespace rig

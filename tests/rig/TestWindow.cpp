@@ -1,7 +1,6 @@
 #include "tests/rig/TestWindow.h"
 
 #include <gtest/gtest.h>
-#include <time.h>
 
 #include <exception>
 #include <memory>
@@ -219,20 +218,6 @@ terminal::SerialLine& WindowTest::plugIn(const std::string& path) {
 
 void WindowTest::inWindow(const std::function<void(TestWindow&)>& deeds) {
   inOwnProcess([&] { visitWindow(deeds); });
-}
-
-Times timesNow() {
-  const auto seconds = [](clockid_t clock) {
-    timespec time;
-    clock_gettime(clock, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-  };
-  return {seconds(CLOCK_PROCESS_CPUTIME_ID), seconds(CLOCK_MONOTONIC)};
-}
-
-Times timesSince(const Times& before) {
-  const Times now = timesNow();
-  return {now.processor - before.processor, now.wall - before.wall};
 }
 
 }  // namespace rig

@@ -110,12 +110,4 @@ class WindowTest : public OnScreen {
   std::vector<std::unique_ptr<terminal::SerialLine>> scanners_;
 };
 
-// Processor time that this process has used, in seconds; and time on the wall.
-struct Times {
-  double processor;
-  double wall;
-};
-Times timesSince(const Times& before);
-Times timesNow();
-
 }  // namespace rig

@@ -11,7 +11,8 @@
 #include <thread>
 #include <vector>
 
-#include "tests/rig/Driver.h"
+#include "tests/rig/Patience.h"
+#include "tests/rig/Process.h"
 
 namespace rig {
 namespace {
@@ -84,21 +85,6 @@ bool blocks(pid_t thread, int signal) {
 
 Reading readingOf(pid_t thread) {
   return {numberNamed("syscr", thread, "io"), numberNamed("rchar", thread, "io")};
-}
-
-void await(const char* what, const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
-  for (int tries = 0; !condition(); ++tries) {
-    if (std::chrono::steady_clock::now() > end) {
-      throw std::runtime_error(std::string("waited in vain: ") + what);
-    }
-    // The kernel tells nobody when an account changes. What comes soon is not kept waiting.
-    if (tries < 100) {
-      std::this_thread::yield();
-    } else {
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-  }
 }
 
 }  // namespace rig

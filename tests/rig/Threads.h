@@ -8,6 +8,8 @@
 #include <functional>
 #include <set>
 
+#include "tests/rig/Patience.h"
+
 namespace rig {
 
 std::set<pid_t> threads();
@@ -35,8 +37,5 @@ struct Reading {
   long long bytes;
 };
 Reading readingOf(pid_t thread);
-
-// Waits until the condition holds. Throws when it does not come to hold in kPatience.
-void await(const char* what, const std::function<bool()>& condition);
 
 }  // namespace rig

@@ -44,12 +44,6 @@ Section "Screen"
 EndSection
 )";
 
-std::filesystem::path makeTemporaryDirectory() {
-  std::string path = std::filesystem::temp_directory_path() / "quorvel-x-XXXXXX";
-  if (!mkdtemp(path.data())) throw std::runtime_error("no temporary directory at " + path);
-  return path;
-}
-
 std::string inputDeviceSection(const std::string& name, const std::string& socket,
                                const std::string& type) {
   return "Section \"InputDevice\"\n  Identifier \"" + name + "\"\n  Driver \"inputtest\"\n" +
@@ -87,7 +81,7 @@ pid_t launch(const std::vector<std::string>& command, const std::string& output,
 
 }  // namespace
 
-XServer::XServer(const std::vector<std::string>& keyboards) : directory_(makeTemporaryDirectory()) {
+XServer::XServer(const std::vector<std::string>& keyboards) {
   writeConfiguration(keyboards);
   start();
   setLayout();
@@ -96,8 +90,6 @@ XServer::XServer(const std::vector<std::string>& keyboards) : directory_(makeTem
 XServer::~XServer() {
   connected_.clear();
   end(SIGTERM);
-  std::error_code ignored;
-  std::filesystem::remove_all(directory_, ignored);
 }
 
 terminal::VirtualKeyboard& XServer::keyboard(std::size_t index) {
@@ -166,9 +158,7 @@ void XServer::start() {
   close(ready[0]);
   if (number.empty()) {
     end(SIGKILL);
-    const std::string reason = log();
-    std::filesystem::remove_all(directory_);
-    throw std::runtime_error("the X server did not start:\n" + reason);
+    throw std::runtime_error("the X server did not start:\n" + log());
   }
   display_ = ":" + number;
 }

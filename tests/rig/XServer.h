@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/rig/ScratchFolder.h"
 #include "tools/common/KeyTyping.h"
 
 namespace rig {
@@ -55,7 +56,8 @@ class XServer {
   void setLayout() const;
   void end(int signal);
 
-  std::filesystem::path directory_;
+  const ScratchFolder folder_;
+  const std::filesystem::path& directory_ = folder_.path();
   std::string display_;
   pid_t pid_ = -1;
   std::map<std::size_t, std::unique_ptr<terminal::VirtualKeyboard>> connected_;

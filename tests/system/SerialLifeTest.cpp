@@ -1,7 +1,6 @@
 // From loading the library to the end of the process: nothing is left over, and nothing crashes on
 // the way out while scans come in.
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -65,9 +64,6 @@ void scanOnce(SerialDriver& driver, SerialLine& line) {
   EXPECT_TRUE(driver.close(id));
 }
 
-// Bytes that are allocated; always 0 where a sanitizer allocates.
-std::size_t allocated() { return mallinfo2().uordblks; }
-
 TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);
@@ -75,13 +71,13 @@ TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
   for (int i = 0; i < 20; ++i) scanOnce(driver, line);
   const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
-  const std::size_t memory = allocated();
+  const std::size_t memory = rig::heapBytes();
   constexpr std::size_t kOpenings = 200;
   for (std::size_t i = 0; i < kOpenings; ++i) scanOnce(driver, line);
   rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
   // The smallest block that each of them could leave behind.
-  EXPECT_LT(allocated(), memory + kOpenings * 16);
+  EXPECT_LT(rig::heapBytes(), memory + kOpenings * 16);
   EXPECT_EQ(driver.component.memory().blocksOut(), 0);
 }
 

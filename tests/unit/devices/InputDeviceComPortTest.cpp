@@ -15,6 +15,7 @@
 #include "devices/InputDeviceComPort.h"
 #include "devices/ReadyWait.h"
 #include "devices/SerialFamilies.h"
+#include "tests/rig/Process.h"
 #include "util/Handles.h"
 
 namespace quorvel {
@@ -69,10 +70,6 @@ class StandardInputFrom {
  private:
   FileDescriptor before_;
 };
-
-std::ptrdiff_t countEntries(const std::string& folder) {
-  return std::distance(std::filesystem::directory_iterator(folder), {});
-}
 
 TEST(WaitForReadyRead, TellsWhetherThereIsSomethingToRead) {
   TestPipe pipe;
@@ -183,15 +180,15 @@ TEST(InputDeviceComPort, DoesNotStartOnAMissingPort) {
 }
 
 TEST(InputDeviceComPort, AFailedStartLeavesNoThreadAndNoDescriptor) {
-  const std::ptrdiff_t threads = countEntries("/proc/self/task");
-  const std::ptrdiff_t descriptors = countEntries("/proc/self/fd");
+  const std::size_t threads = rig::threadCount();
+  const std::size_t descriptors = rig::descriptorCount();
   InputDeviceComPortFactory factory;
   for (const std::uint32_t port : kMissingPorts) {
     factory.port = port;
     for (int i = 0; i < 100; ++i) EXPECT_EQ(factory.create([](const std::wstring&) {}), nullptr);
   }
-  EXPECT_EQ(countEntries("/proc/self/task"), threads);
-  EXPECT_EQ(countEntries("/proc/self/fd"), descriptors);
+  EXPECT_EQ(rig::threadCount(), threads);
+  EXPECT_EQ(rig::descriptorCount(), descriptors);
 }
 
 TEST(InputDeviceComPort, AFailedStartReleasesTheCallback) {

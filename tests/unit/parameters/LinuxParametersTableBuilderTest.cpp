@@ -11,6 +11,7 @@
 #include "parameters/LinuxParametersTableBuilder.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/ExpectedForm.h"
+#include "tests/rig/ScratchFolder.h"
 #include "tests/rig/VirtualSlots.h"
 #include "util/Handles.h"
 #include "util/Text.h"
@@ -26,29 +27,21 @@ using Builder = LinuxParametersTableBuilder;
 class FakeFind {
  public:
   FakeFind() {
-    std::ofstream(folder_ / "find") << "#!/bin/sh\n"
-                                       "[ \"$1 $2\" = '/dev/ -name' ] || exit 1\n"
-                                       "while IFS= read -r line; do printf '%s\\n' \"$line\"; done"
-                                       " 2>/dev/null <\"${0%/*}/$3\"\n";
-    fs::permissions(folder_ / "find", fs::perms::owner_all);
+    std::ofstream(folder_.path() / "find")
+        << "#!/bin/sh\n"
+           "[ \"$1 $2\" = '/dev/ -name' ] || exit 1\n"
+           "while IFS= read -r line; do printf '%s\\n' \"$line\"; done"
+           " 2>/dev/null <\"${0%/*}/$3\"\n";
+    fs::permissions(folder_.path() / "find", fs::perms::owner_all);
   }
-  ~FakeFind() { fs::remove_all(folder_); }
-  FakeFind(const FakeFind&) = delete;
-  FakeFind& operator=(const FakeFind&) = delete;
 
   void print(const std::string& pattern, const std::string& lines) {
-    std::ofstream(folder_ / pattern) << lines;
+    std::ofstream(folder_.path() / pattern) << lines;
   }
 
  private:
-  static fs::path temporaryFolder() {
-    std::string path = fs::temp_directory_path() / "quorvel-find-XXXXXX";
-    EXPECT_NE(mkdtemp(path.data()), nullptr);
-    return path;
-  }
-
-  fs::path folder_ = temporaryFolder();
-  rig::ScopedVariable path_{"PATH", folder_};
+  const rig::ScratchFolder folder_;
+  rig::ScopedVariable path_{"PATH", folder_.path()};
   rig::ScopedVariable display_{"DISPLAY", std::nullopt};
 };
 
@@ -66,12 +59,6 @@ std::string formOf(bool russian) {
   Builder builder(russian);
   builder.BuildProduct(false);
   return wstr2str(builder.GetProduct());
-}
-
-bool isWellFormed(const std::string& document) {
-  FILE* const xmllint = popen("xmllint --noout -", "w");
-  std::fwrite(document.data(), 1, document.size(), xmllint);
-  return pclose(xmllint) == 0;
 }
 
 TEST(LinuxParametersTableBuilder, OverridesInTheSameSlots) {
@@ -103,8 +90,8 @@ TEST(LinuxParametersTableBuilder, WholeFormWithEveryFamily) {
   }
   EXPECT_TRUE(rig::areSame(english, rig::expectedForm("en", ports, "")));
   EXPECT_TRUE(rig::areSame(russian, rig::expectedForm("ru", ports, "")));
-  EXPECT_TRUE(isWellFormed(english));
-  EXPECT_TRUE(isWellFormed(russian));
+  EXPECT_TRUE(rig::isWellFormed(english));
+  EXPECT_TRUE(rig::isWellFormed(russian));
 }
 
 TEST(LinuxParametersTableBuilder, PortWithoutSerialDevices) {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/rig/Commands.h"
+#include "tests/rig/Program.h"
 #include "tests/rig/RandomBytes.h"
 #include "util/Base64.h"
 
@@ -70,9 +70,9 @@ TEST(Base64, UsesTheStandardAlphabetInOrder) {
 
 TEST(Base64, EncodesLikeTheBase64Program) {
   const std::vector<std::string> raws = randomRaws(1);
-  const std::vector<rig::CommandResult> expected = rig::resultsOf("base64 -w0", raws);
+  const std::vector<rig::Ending> expected = rig::endingsOf("base64 -w0", raws);
   for (std::size_t i = 0; i < raws.size(); ++i) {
-    ASSERT_TRUE(expected[i].succeeded);
+    ASSERT_EQ(expected[i].code, 0);
     EXPECT_EQ(base64_encode(raws[i]), expected[i].output) << raws[i].size() << " bytes";
   }
 }
@@ -87,7 +87,7 @@ TEST(Base64, IsReadByTheBase64Program) {
     text += base64_encode(raw);
     expected += raw;
   }
-  EXPECT_EQ(rig::outputOf("base64 -d", text), expected);
+  EXPECT_EQ(rig::outputOf({"base64", "-d"}, text), expected);
 }
 
 TEST(Base64, RoundTripsEveryByte) {
@@ -147,7 +147,7 @@ TEST(Base64, GarbageDecodesUpToTheFirstForeignCharacter) {
     while (part.size() % 4 != 0) part += 'A';
     completed += part;
   }
-  const std::string raw = rig::outputOf("base64 -d", completed);
+  const std::string raw = rig::outputOf({"base64", "-d"}, completed);
   std::size_t at = 0;
   for (const std::string& text : texts) {
     const std::size_t characters = std::min(text.find_first_not_of(kAlphabet), text.size());

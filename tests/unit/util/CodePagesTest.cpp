@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/rig/Commands.h"
+#include "tests/rig/Program.h"
 #include "tests/rig/RandomBytes.h"
 #include "util/CodePages.h"
 
@@ -44,8 +44,8 @@ std::wstring fromWide(const std::string& bytes) {
 std::vector<std::wstring> decodedBySystem(const std::string& encoding,
                                           const std::vector<std::string>& inputs) {
   std::vector<std::wstring> texts;
-  for (const auto& result : rig::resultsOf("iconv -f " + encoding + " -t WCHAR_T", inputs)) {
-    texts.push_back(result.succeeded ? fromWide(result.output) : L"");
+  for (const auto& result : rig::endingsOf("iconv -f " + encoding + " -t WCHAR_T", inputs)) {
+    texts.push_back(result.code == 0 ? fromWide(result.output) : L"");
   }
   return texts;
 }

@@ -1,0 +1,23 @@
+// A temporary folder of a test's own.
+#pragma once
+
+#include <filesystem>
+
+namespace rig {
+
+// Removed, with everything in it, at the end.
+class ScratchFolder {
+ public:
+  // Throws std::system_error.
+  ScratchFolder();
+  ~ScratchFolder();
+  ScratchFolder(const ScratchFolder&) = delete;
+  ScratchFolder& operator=(const ScratchFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace rig
