@@ -27,8 +27,8 @@ TEST(SourceCell, IsTheNameAndAColon) {
 }
 
 TEST(SourceCell, KeepsItsColonWhenTheNameIsCut) {
-  EXPECT_EQ(sourceCell(std::wstring(1022, L'x')), std::string(1022, 'x') + ":");
-  EXPECT_EQ(sourceCell(std::wstring(1023, L'x')), std::string(1022, 'x') + ":");
+  EXPECT_EQ(sourceCell(std::wstring(1022, L'x')), std::string(1022, 'x') + ':');
+  EXPECT_EQ(sourceCell(std::wstring(1023, L'x')), std::string(1022, 'x') + ':');
   EXPECT_EQ(sourceCell(std::wstring(5000, L'Ж')), repeated("Ж", 511) + ":");
 }
 
