@@ -21,7 +21,7 @@ bool InputDeviceKeyboard::start(const InputDeviceKeyboardFactory& factory) {
                      factory.forTestWindow ? kSmallStack : 0)) {
     return false;
   }
-  threadsReader.release();
+  static_cast<void>(threadsReader.release());  // the thread's now
   return true;
 }
 

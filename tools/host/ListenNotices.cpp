@@ -37,7 +37,7 @@ void tell(const std::string& message) { std::cerr << visible(message) << std::en
 Findings examine(const DeviceOptions& device) {
   if (!device.port) return examineKeyboardNamed(*device.keyboard);
   const SerialExamination examined = examinePort(portFile(*device.port));
-  const Findings obstacles = obstaclesOf(*device.port, examined);
+  Findings obstacles = obstaclesOf(*device.port, examined);
   if (!examined.setting) return obstacles;
   const DriverSettings settings = settingsFrom(device);
   Findings warnings = obstacles;
