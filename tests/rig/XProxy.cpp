@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,6 +16,16 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+namespace {
+
+// Whether a server has died in this process.
+std::atomic<bool> anyHasDied = false;
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off();
+extern "C" int __lsan_is_turned_off() { return anyHasDied; }
 
 namespace rig {
 namespace {
@@ -123,6 +134,7 @@ void XProxy::serve() {
     links_.remove_if([](const Link& link) { return !link.isOpen; });
     if (alive_ && waits[1].revents != 0) accept();
   }
+  anyHasDied = true;
   dead_ = true;
   listener_.reset();
   links_.clear();

@@ -30,6 +30,9 @@ namespace rig {
 //   }
 //
 // A process cannot forget a connection that GTK has lost, so there each try takes a child process.
+//
+// In a process in which a server has died no leaks are looked for: the driver gives lost
+// connections up as they are, and what Xlib and GTK hold of them stays allocated.
 class XProxy {
  public:
   static constexpr unsigned kNever = 0;
