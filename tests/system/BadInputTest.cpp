@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/SerialDriver.h"
 
 namespace {
@@ -34,7 +35,7 @@ const char16_t* const kParameters[] = {
 void expectWorking(SerialDriver& driver) {
   driver.plugIn(kUsb1);
   driver.component.setParameter(u"Suffix", 13);
-  driver.component.setParameter(u"OutputDataType", 0);
+  driver.component.setParameter(u"OutputDataType", rig::kDataText);
   driver.component.setParameter(u"EquipmentType", std::u16string(u"СканерШтрихкода"));
   const std::u16string id = driver.open(kUsb1);
   driver.lines.back().send("scan\r");
@@ -100,7 +101,7 @@ TEST(BadInput, ARefusedTypeChangesNothing) {
     }
   }
   tVariant equipment = textVariant(u"СчитывательМагнитныхКарт");
-  equipment.vt = 0;
+  equipment.vt = VTYPE_EMPTY;
   driver.component.setParameter(u"EquipmentType", equipment);
   for (const char16_t* const unknown :
        {u"CardReader", u"TrackData", u"", u"считывательмагнитныхкарт"}) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "tests/rig/Driver.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/KeysLookedAt.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
@@ -77,7 +78,7 @@ TEST_F(KeyboardTest, EveryPrintableCharacterIsRead) {
 
 TEST_F(KeyboardTest, TheRawBytesTravelAsBase64) {
   Driver driver;
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.openKeyboard(u"Scanner");
   type(scanner(), "ab\r");
   EXPECT_EQ(driver.event().data, u"YWI=");
@@ -85,7 +86,7 @@ TEST_F(KeyboardTest, TheRawBytesTravelAsBase64) {
 
 TEST_F(KeyboardTest, ReturnAloneIsAnEmptyMessage) {
   Driver driver;
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.openKeyboard(u"Scanner");
   type(scanner(), "\r1\r");
   EXPECT_EQ(driver.event().data, u"");
@@ -137,7 +138,7 @@ TEST_F(KeyboardTest, KeysWithoutATextAreLeftOut) {
 TEST_F(KeyboardTest, AnotherSuffixEndsAMessage) {
   Driver driver;
   driver.component.setParameter(u"Suffix", '\t');
-  driver.component.setParameter(u"OutputDataType", 1);
+  driver.component.setParameter(u"OutputDataType", rig::kDataHumanReadable);
   driver.openKeyboard(u"Scanner");
   type(scanner(), "1\r2\t");
   EXPECT_EQ(driver.event().data, u"1(013)2");

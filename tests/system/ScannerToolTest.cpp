@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/RawDevice.h"
 
@@ -60,7 +61,7 @@ struct Scanner : Program {
 struct Device : SerialDriver {
   explicit Device(std::int32_t suffix = 13) {
     component.setParameter(u"Suffix", suffix);
-    component.setParameter(u"OutputDataType", 2);
+    component.setParameter(u"OutputDataType", rig::kDataBase64);
     open(kUsb1);
   }
   void expect(const std::vector<std::string>& messages) {

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/RawDevice.h"
 
 namespace {
@@ -41,13 +42,13 @@ const std::u16string kReadable = u"A(029032208150)1";
 const std::u16string kEncoded = base64(kScan);
 
 const Raised kRaised[] = {
-    {kScanner, 0, u"Штрихкод", u"Barcode", kText},
-    {kScanner, 1, u"Штрихкод", u"Barcode", kReadable},
-    {kScanner, 2, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
-    {kInputDevice, 2, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
-    {kCardReader, 0, u"ДанныеКарты", u"TrackData", kText},
-    {kCardReader, 1, u"Штрихкод", u"Barcode", kReadable},
-    {kCardReader, 2, u"ДанныеКартыBase64", u"TrackDataBase64", kEncoded},
+    {kScanner, rig::kDataText, u"Штрихкод", u"Barcode", kText},
+    {kScanner, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
+    {kScanner, rig::kDataBase64, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
+    {kInputDevice, rig::kDataBase64, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
+    {kCardReader, rig::kDataText, u"ДанныеКарты", u"TrackData", kText},
+    {kCardReader, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
+    {kCardReader, rig::kDataBase64, u"ДанныеКартыBase64", u"TrackDataBase64", kEncoded},
     // Other data types are texts, and the name is that of the bits of both types together.
     {kScanner, 3, u"Штрихкод", u"Barcode", kText},
     {kScanner, 16, u"Штрихкод", u"Barcode", kText},
@@ -168,7 +169,7 @@ TEST(SerialEvents, AnyCodePageDeliversTheSameBytes) {
   for (const char16_t* codePage : codePages) {
     driver.plugIn(port);
     driver.component.setParameter(u"COMEncoding", std::u16string(codePage));
-    driver.component.setParameter(u"OutputDataType", 2);
+    driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
     driver.open(port++);
   }
   for (SerialLine& line : driver.lines) {

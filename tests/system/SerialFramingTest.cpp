@@ -8,6 +8,7 @@
 #include <memory>
 #include <random>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/RawDevice.h"
 
 namespace {
@@ -141,7 +142,7 @@ const std::vector<std::string> kScans = {"4600051000057", "X", "]d20104600051000
 TEST(SlowLine, FramedLosesNothing) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1, LineSetting::kFramed);
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.open(kUsb1);
   for (const std::string& scan : kScans) line.sendSlowly(scan + "\r", kSlow);
   for (const std::string& scan : kScans) EXPECT_EQ(driver.event().data, base64(scan));
@@ -150,7 +151,7 @@ TEST(SlowLine, FramedLosesNothing) {
 TEST(SlowLine, CookedWorksWithALineFeed) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1, LineSetting::kCooked);
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.component.setParameter(u"Suffix", 10);
   driver.open(kUsb1);
   // The line turns the carriage return of the scanner into the line feed.
@@ -224,7 +225,7 @@ TEST(SerialFramingTest, RandomBurstsAreFramedAsTheModelSays) {
 TEST(SerialSizes, AFramedScanOf4095Bytes) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.open(kUsb1);
   std::string scan(4095, '\0');
   for (std::size_t i = 0; i < scan.size(); ++i) {
@@ -257,7 +258,7 @@ std::string bytesOf(const std::u16string& text) {
 TEST(SerialSizes, AHundredKilobytesWithoutASuffix) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1, LineSetting::kRaw);
-  driver.component.setParameter(u"OutputDataType", 2);
+  driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.component.setParameter(u"Suffix", kNone);
   driver.open(kUsb1);
   std::mt19937 random(seed());

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "addin/QuorvelNative.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/HostDoubles.h"
 #include "tests/rig/Variants.h"
 #include "tests/unit/performer/RestoredSettings.h"
@@ -62,7 +63,7 @@ class ComponentTest : public RestoredSettings {
 
   // The result, which must be a boolean.
   bool resultFlag() const {
-    EXPECT_EQ(ret_.vt, 11);
+    EXPECT_EQ(ret_.vt, rig::kTypeBool);
     return ret_.i8 != 0;
   }
 

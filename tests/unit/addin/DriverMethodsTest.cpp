@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/unit/addin/Component.h"
 
 namespace quorvel {
@@ -64,17 +65,17 @@ TEST_F(DriverMethods, GetDescriptionInRussian) {
   EXPECT_EQ(textIn(params_[0]), u"Ostrak: Драйвер устройств ввода");
   EXPECT_EQ(textIn(params_[1]), u"Драйвер для подключения устройств ввода");
   EXPECT_EQ(textIn(params_[2]), u"СканерШтрихкода");
-  EXPECT_EQ(params_[3].vt, 3);
+  EXPECT_EQ(params_[3].vt, rig::kTypeInt32);
   EXPECT_EQ(params_[3].intValue, 2004);
-  EXPECT_EQ(params_[4].vt, 11);
+  EXPECT_EQ(params_[4].vt, rig::kTypeBool);
   EXPECT_EQ(params_[4].i8, 0);
-  EXPECT_EQ(params_[5].vt, 11);
+  EXPECT_EQ(params_[5].vt, rig::kTypeBool);
   EXPECT_EQ(params_[5].i8, 1);
   EXPECT_EQ(textIn(params_[6]), u"https://support.ostrak.example/input-devices");
 }
 
 TEST_F(DriverMethods, GetDescriptionInEnglish) {
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(rig::kEnglishLocale);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   english.setMemManager(&memory_);
   EXPECT_TRUE(english.CallAsFunc(test::kGetDescription, &ret_, params_.data(), 7));
@@ -84,13 +85,13 @@ TEST_F(DriverMethods, GetDescriptionInEnglish) {
 }
 
 TEST_F(DriverMethods, GetDescriptionUsesTheComponentsLanguageNotTheProcessWideOne) {
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(rig::kEnglishLocale);
   EXPECT_TRUE(call(test::kGetDescription));
   EXPECT_EQ(textIn(params_[1]), u"Драйвер для подключения устройств ввода");
 
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   english.setMemManager(&memory_);
-  AppSettings::setLocale(0);
+  AppSettings::setLocale(rig::kRussianLocale);
   EXPECT_TRUE(english.CallAsFunc(test::kGetDescription, &ret_, params_.data(), 7));
   EXPECT_EQ(textIn(params_[1]), u"Driver for input devices");
   english.SetLocale(u"ru");
@@ -104,14 +105,14 @@ struct LastErrorText {
 };
 
 const LastErrorText kLastErrorTexts[] = {
-    {0, u"Ошибка подключения. Проверьте доступность устройства."},
-    {1, u"Connection error. Check device availability."}};
+    {rig::kRussianLocale, u"Ошибка подключения. Проверьте доступность устройства."},
+    {rig::kEnglishLocale, u"Connection error. Check device availability."}};
 
 TEST_F(DriverMethods, GetLastErrorUsesTheProcessWideLanguage) {
   for (const LastErrorText& row : kLastErrorTexts) {
     AppSettings::setLocale(row.locale);
     EXPECT_TRUE(call(test::kGetLastError));
-    EXPECT_EQ(ret_.vt, 3);
+    EXPECT_EQ(ret_.vt, rig::kTypeInt32);
     EXPECT_EQ(ret_.intValue, 1);
     EXPECT_EQ(textIn(params_[0]), row.text);
   }
@@ -148,7 +149,7 @@ TEST_F(DriverMethods, SetParameterTakesOnlyAWideStringAsName) {
     params_[0].vt = static_cast<std::uint16_t>(type);
     params_[1] = numberVariant(19200);
     EXPECT_TRUE(callAgain(test::kSetParameter));
-    EXPECT_EQ(resultFlag(), type == 22);
+    EXPECT_EQ(resultFlag(), type == rig::kTypeText);
   }
   for (const tVariant& name :
        {numberVariant(1), doubleVariant(1.1), boolVariant(true), numberVariant(INT_MIN)}) {
@@ -176,7 +177,7 @@ TEST_F(DriverMethods, SetParameterTakesValuesOfAnyTypeAndNullTexts) {
     for (const unsigned type : rig::typeCodes()) {
       EXPECT_TRUE(setParameter(name, variantOfType(type)));
       // A string's pointer is followed, so only a real string may claim to be one.
-      if (type != 22) {
+      if (type != rig::kTypeText) {
         EXPECT_TRUE(setParameter(name, numberVariant(1, type)));
       }
     }
@@ -203,7 +204,8 @@ TEST_F(DriverMethods, CloseRefusesUnknownIdentifiers) {
   EXPECT_FALSE(close(textVariant(nullptr, 0)));
   EXPECT_FALSE(close(textVariant(nullptr, 13)));
   for (const unsigned type : rig::typeCodes()) {
-    EXPECT_FALSE(close(numberVariant(1, type == 22 ? 3 : type))) << "type code " << type;
+    EXPECT_FALSE(close(numberVariant(1, type == rig::kTypeText ? rig::kTypeInt32 : type)))
+        << "type code " << type;
   }
 }
 
@@ -256,7 +258,7 @@ TEST_F(DriverMethods, WithoutMemoryTextsAreNullAndOnlyGetVersionFails) {
     }
     EXPECT_TRUE(call(test::kGetDescription));
     for (const int position : {0, 1, 2, 6}) {
-      EXPECT_EQ(params_[static_cast<std::size_t>(position)].vt, 22);
+      EXPECT_EQ(params_[static_cast<std::size_t>(position)].vt, rig::kTypeText);
       EXPECT_EQ(params_[static_cast<std::size_t>(position)].wide.text, nullptr);
     }
     EXPECT_EQ(params_[3].intValue, 2004);
@@ -274,7 +276,7 @@ TEST_F(DriverMethods, WithoutAMemoryManagerTextsAreNull) {
   EXPECT_FALSE(call(test::kGetVersion));
   EXPECT_TRUE(call(test::kGetLastError));
   EXPECT_EQ(ret_.intValue, 1);
-  EXPECT_EQ(params_[0].vt, 22);
+  EXPECT_EQ(params_[0].vt, rig::kTypeText);
   EXPECT_EQ(params_[0].wide.text, nullptr);
 }
 
@@ -293,7 +295,7 @@ TEST_F(DriverMethods, GetLastErrorAnswersBeforeInit) {
     AppSettings::setLocale(row.locale);
     ret_ = untouchedVariant();
     EXPECT_TRUE(fresh.CallAsFunc(test::kGetLastError, &ret_, params_.data(), 1));
-    EXPECT_EQ(ret_.vt, 3);
+    EXPECT_EQ(ret_.vt, rig::kTypeInt32);
     EXPECT_EQ(ret_.intValue, 1);
     EXPECT_EQ(textIn(params_[0]), row.text);
   }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "addin/EventNames.h"
+#include "tests/rig/HostCodes.h"
 
 namespace quorvel {
 namespace {
@@ -19,11 +20,11 @@ const Names kTrackDataBase64Names = {L"ДанныеКартыBase64", L"TrackDat
 
 const Names& namesOfKey(unsigned key) {
   switch (key) {
-    case 18:
+    case rig::kScanner | rig::kDataBase64:
       return kBarcodeBase64Names;
-    case 32:
+    case rig::kCardReader:
       return kTrackDataNames;
-    case 34:
+    case rig::kCardReader | rig::kDataBase64:
       return kTrackDataBase64Names;
     default:
       return kBarcodeNames;
@@ -35,8 +36,12 @@ TEST(EventNames, SayEquipmentAndDataType) {
     unsigned equipment, dataType;
     Names names;
   } rows[] = {
-      {16, 0, kBarcodeNames},   {16, 1, kBarcodeNames}, {16, 2, kBarcodeBase64Names},
-      {32, 0, kTrackDataNames}, {32, 1, kBarcodeNames}, {32, 2, kTrackDataBase64Names},
+      {rig::kScanner, rig::kDataText, kBarcodeNames},
+      {rig::kScanner, rig::kDataHumanReadable, kBarcodeNames},
+      {rig::kScanner, rig::kDataBase64, kBarcodeBase64Names},
+      {rig::kCardReader, rig::kDataText, kTrackDataNames},
+      {rig::kCardReader, rig::kDataHumanReadable, kBarcodeNames},
+      {rig::kCardReader, rig::kDataBase64, kTrackDataBase64Names},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.equipment << ", " << row.dataType);
@@ -55,8 +60,8 @@ TEST(EventNames, EveryOtherCombinationIsABarcode) {
     }
   }
   for (const unsigned code : {unsigned{INT_MAX}, unsigned{INT_MAX} + 1, UINT_MAX}) {
-    EXPECT_EQ(eventNameOf(code, 0, Language::kEnglish), kBarcodeNames.english);
-    EXPECT_EQ(eventNameOf(16, code, Language::kEnglish), kBarcodeNames.english);
+    EXPECT_EQ(eventNameOf(code, rig::kDataText, Language::kEnglish), kBarcodeNames.english);
+    EXPECT_EQ(eventNameOf(rig::kScanner, code, Language::kEnglish), kBarcodeNames.english);
   }
 }
 

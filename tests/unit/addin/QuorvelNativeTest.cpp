@@ -2,11 +2,13 @@
 
 #include <atomic>
 #include <climits>
+#include <initializer_list>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "addin/QuorvelNative.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/unit/addin/Component.h"
 
 namespace quorvel {
@@ -14,6 +16,13 @@ namespace {
 
 using rig::Event;
 using rig::FakeMemoryManager;
+using rig::kCardReader;
+using rig::kDataBase64;
+using rig::kDataHumanReadable;
+using rig::kDataText;
+using rig::kEnglishLocale;
+using rig::kRussianLocale;
+using rig::kScanner;
 using test::ComponentTest;
 
 constexpr long kOddNumbers[] = {-1, 10, 11, INT_MIN, INT_MAX, LONG_MIN, LONG_MAX};
@@ -47,14 +56,14 @@ TEST_F(ComponentTest, InitReturnsTheHostsAnswer) {
 
 TEST_F(ComponentTest, InitWithoutAConnectionFails) {
   EXPECT_FALSE(component_.Init(nullptr));
-  component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+  component_.OnInput(L"InputDevice#1", kScanner, kDataText, L"MTIz");
 }
 
 TEST_F(ComponentTest, InitMayBeCalledAgain) {
   rig::FakeConnection other;
   EXPECT_TRUE(component_.Init(&connection_));
   EXPECT_TRUE(component_.Init(&other));
-  component_.OnInput(L"id", 16, 0, L"MTIz");
+  component_.OnInput(L"id", kScanner, kDataText, L"MTIz");
   EXPECT_TRUE(connection_.events().empty());
   EXPECT_EQ(other.events().size(), 1u);
   EXPECT_TRUE(component_.Init(&connection_));
@@ -64,11 +73,11 @@ TEST_F(ComponentTest, InitMayBeCalledAgain) {
 TEST_F(ComponentTest, ALaterInitWithoutAConnectionOnlyStopsEvents) {
   connect();
   EXPECT_FALSE(component_.Init(nullptr));
-  component_.OnInput(L"id", 16, 0, L"MTIz");
+  component_.OnInput(L"id", kScanner, kDataText, L"MTIz");
   EXPECT_TRUE(connection_.events().empty());
   EXPECT_TRUE(setParameter(u"Speed", rig::numberVariant(9600)));
   EXPECT_TRUE(component_.Init(&connection_));
-  component_.OnInput(L"id", 16, 0, L"MTIz");
+  component_.OnInput(L"id", kScanner, kDataText, L"MTIz");
   EXPECT_EQ(connection_.events().size(), 1u);
 }
 
@@ -90,7 +99,7 @@ TEST_F(ComponentTest, DoneDoesNothing) {
   connect();
   component_.Done();
   EXPECT_TRUE(setParameter(u"Speed", rig::numberVariant(9600)));
-  component_.OnInput(L"id", 16, 0, L"MTIz");
+  component_.OnInput(L"id", kScanner, kDataText, L"MTIz");
   EXPECT_EQ(connection_.events().size(), 1u);
 }
 
@@ -200,7 +209,7 @@ TEST_F(ComponentTest, NoParameterHasADefault) {
     for (const long parameter : {0L, 1L, -1L, LONG_MAX}) {
       tVariant value = rig::untouchedVariant();
       EXPECT_FALSE(component_.GetParamDefValue(number, parameter, &value));
-      EXPECT_EQ(value.vt, 0);
+      EXPECT_EQ(value.vt, rig::kTypeEmpty);
       EXPECT_FALSE(component_.GetParamDefValue(number, parameter, nullptr));
     }
   }
@@ -230,44 +239,45 @@ const LocaleRow kLocales[] = {
 
 TEST_F(ComponentTest, ALocaleWithRuInItIsRussian) {
   for (const LocaleRow& row : kLocales) {
-    AppSettings::setLocale(1);
+    AppSettings::setLocale(kEnglishLocale);
     QuorvelNative english(L"InputDevice", L"Штрихкод");
     english.SetLocale(row.name);
-    EXPECT_EQ(AppSettings::locale(), row.russian ? 0u : 1u) << testing::PrintToString(row.name);
+    EXPECT_EQ(AppSettings::locale(), row.russian ? kRussianLocale : kEnglishLocale)
+        << testing::PrintToString(row.name);
   }
 }
 
 TEST_F(ComponentTest, OnceRussianStaysRussian) {
   for (const LocaleRow& row : kLocales) {
-    AppSettings::setLocale(0);
+    AppSettings::setLocale(kRussianLocale);
     QuorvelNative russian(L"InputDevice", L"Штрихкод");
-    AppSettings::setLocale(1);
+    AppSettings::setLocale(kEnglishLocale);
     russian.SetLocale(row.name);
-    EXPECT_EQ(AppSettings::locale(), 0u) << testing::PrintToString(row.name);
+    EXPECT_EQ(AppSettings::locale(), kRussianLocale) << testing::PrintToString(row.name);
   }
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(kEnglishLocale);
   QuorvelNative converted(L"InputDevice", L"Штрихкод");
   converted.SetLocale(u"ru_RU");
   converted.SetLocale(u"en_US");
-  EXPECT_EQ(AppSettings::locale(), 0u);
+  EXPECT_EQ(AppSettings::locale(), kRussianLocale);
 }
 
 TEST_F(ComponentTest, LocaleNamesMayBeLong) {
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(kEnglishLocale);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   english.SetLocale(std::u16string(10000, u'x').c_str());
-  EXPECT_EQ(AppSettings::locale(), 1u);
+  EXPECT_EQ(AppSettings::locale(), kEnglishLocale);
   english.SetLocale((std::u16string(10000, u'x') + u"rU").c_str());
-  EXPECT_EQ(AppSettings::locale(), 0u);
+  EXPECT_EQ(AppSettings::locale(), kRussianLocale);
 }
 
 TEST_F(ComponentTest, ANullLocaleCountsAsAnEmptyName) {
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(kEnglishLocale);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   component_.SetLocale(nullptr);
-  EXPECT_EQ(AppSettings::locale(), 0u);
+  EXPECT_EQ(AppSettings::locale(), kRussianLocale);
   english.SetLocale(nullptr);
-  EXPECT_EQ(AppSettings::locale(), 1u);
+  EXPECT_EQ(AppSettings::locale(), kEnglishLocale);
 }
 
 class OnInputTest : public ComponentTest {
@@ -288,15 +298,24 @@ TEST_F(OnInputTest, RaisesOneEventInTheProcessWideLanguage) {
     int equipment, dataType;
     std::u16string name, data;
   } rows[] = {
-      {0, 16, 0, u"Штрихкод", u"123"},        {0, 16, 1, u"Штрихкод", u"123"},
-      {0, 16, 2, u"ШтрихкодBase64", u"MTIz"}, {0, 32, 0, u"ДанныеКарты", u"123"},
-      {0, 32, 1, u"Штрихкод", u"123"},        {0, 32, 2, u"ДанныеКартыBase64", u"MTIz"},
-      {1, 16, 0, u"Barcode", u"123"},         {1, 16, 1, u"Barcode", u"123"},
-      {1, 16, 2, u"BarcodeBase64", u"MTIz"},  {1, 32, 0, u"TrackData", u"123"},
-      {1, 32, 1, u"Barcode", u"123"},         {1, 32, 2, u"TrackDataBase64", u"MTIz"},
-      {1, 0, 0, u"Barcode", u"123"},          {1, 0, 2, u"Barcode", u"MTIz"},
-      {1, 64, 0, u"Barcode", u"123"},         {1, 64, 2, u"Barcode", u"MTIz"},
-      {0, 64, 1, u"Штрихкод", u"123"},        {1, 16, 5, u"Barcode", u"123"},
+      {kRussianLocale, kScanner, kDataText, u"Штрихкод", u"123"},
+      {kRussianLocale, kScanner, kDataHumanReadable, u"Штрихкод", u"123"},
+      {kRussianLocale, kScanner, kDataBase64, u"ШтрихкодBase64", u"MTIz"},
+      {kRussianLocale, kCardReader, kDataText, u"ДанныеКарты", u"123"},
+      {kRussianLocale, kCardReader, kDataHumanReadable, u"Штрихкод", u"123"},
+      {kRussianLocale, kCardReader, kDataBase64, u"ДанныеКартыBase64", u"MTIz"},
+      {kEnglishLocale, kScanner, kDataText, u"Barcode", u"123"},
+      {kEnglishLocale, kScanner, kDataHumanReadable, u"Barcode", u"123"},
+      {kEnglishLocale, kScanner, kDataBase64, u"BarcodeBase64", u"MTIz"},
+      {kEnglishLocale, kCardReader, kDataText, u"TrackData", u"123"},
+      {kEnglishLocale, kCardReader, kDataHumanReadable, u"Barcode", u"123"},
+      {kEnglishLocale, kCardReader, kDataBase64, u"TrackDataBase64", u"MTIz"},
+      {kEnglishLocale, 0, kDataText, u"Barcode", u"123"},
+      {kEnglishLocale, 0, kDataBase64, u"Barcode", u"MTIz"},
+      {kEnglishLocale, 64, kDataText, u"Barcode", u"123"},
+      {kEnglishLocale, 64, kDataBase64, u"Barcode", u"MTIz"},
+      {kRussianLocale, 64, kDataHumanReadable, u"Штрихкод", u"123"},
+      {kEnglishLocale, kScanner, 5, u"Barcode", u"123"},
   };
   std::vector<Event> expected;
   for (const auto& row : rows) {
@@ -308,10 +327,10 @@ TEST_F(OnInputTest, RaisesOneEventInTheProcessWideLanguage) {
 }
 
 TEST_F(OnInputTest, ConvertsTheDataToItsOutputType) {
-  input(32, 1, L"AkFCDQo=");  // 02 41 42 0D 0A
-  input(16, 0, L"0J/RgNC40LLQtdGC");
-  input(16, 1, L"0J8=");
-  input(16, 0, L"8J+YgA==");
+  input(kCardReader, kDataHumanReadable, L"AkFCDQo=");  // 02 41 42 0D 0A
+  input(kScanner, kDataText, L"0J/RgNC40LLQtdGC");
+  input(kScanner, kDataHumanReadable, L"0J8=");
+  input(kScanner, kDataText, L"8J+YgA==");
   std::vector<std::u16string> data;
   for (const Event& event : connection_.events()) data.push_back(event.data);
   EXPECT_EQ(data,
@@ -319,7 +338,10 @@ TEST_F(OnInputTest, ConvertsTheDataToItsOutputType) {
 }
 
 TEST_F(OnInputTest, RaisesAnEventForEmptyData) {
-  for (const int dataType : {0, 1, 2}) input(16, dataType, L"");
+  for (const int dataType :
+       std::initializer_list<int>{kDataText, kDataHumanReadable, kDataBase64}) {
+    input(kScanner, dataType, L"");
+  }
   const std::vector<Event> events = connection_.events();
   ASSERT_EQ(events.size(), 3u);
   for (const Event& event : events) EXPECT_EQ(event.data, u"");
@@ -327,7 +349,7 @@ TEST_F(OnInputTest, RaisesAnEventForEmptyData) {
 
 TEST_F(OnInputTest, TextsMayBeLong) {
   const std::vector<Event> events =
-      input(16, 2, std::wstring(40000, L'A'), std::wstring(10000, L'Ж'));
+      input(kScanner, kDataBase64, std::wstring(40000, L'A'), std::wstring(10000, L'Ж'));
   ASSERT_EQ(events.size(), 1u);
   EXPECT_EQ(events[0].data, std::u16string(40000, u'A'));
   EXPECT_EQ(events[0].source, std::u16string(10000, u'Ж'));
@@ -335,28 +357,28 @@ TEST_F(OnInputTest, TextsMayBeLong) {
 
 TEST_F(OnInputTest, WithoutAConnectionNothingHappens) {
   QuorvelNative unconnected(L"InputDevice", L"Штрихкод");
-  unconnected.OnInput(L"InputDevice#1", 16, 0, L"");
-  unconnected.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+  unconnected.OnInput(L"InputDevice#1", kScanner, kDataText, L"");
+  unconnected.OnInput(L"InputDevice#1", kScanner, kDataText, L"MTIz");
 }
 
 TEST_F(OnInputTest, UsesNoneOfTheHostsMemory) {
-  input(16, 0, L"MTIz");
+  input(kScanner, kDataText, L"MTIz");
   EXPECT_TRUE(memory_.requests.empty());
 }
 
 TEST_F(OnInputTest, MayRunOnSeveralThreadsBesideTheHostsCalls) {
   constexpr int kReaders = 3;
   constexpr int kRounds = 300;
-  AppSettings::setLocale(1);
+  AppSettings::setLocale(kEnglishLocale);
   QuorvelNative english(L"InputDevice", L"Штрихкод");
   std::atomic<int> reading = 0;
   std::atomic<bool> stop = false;
   std::vector<std::thread> readers;
   for (int reader = 0; reader < kReaders; ++reader) {
     readers.emplace_back([&] {
-      component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+      component_.OnInput(L"InputDevice#1", kScanner, kDataText, L"MTIz");
       ++reading;
-      while (!stop) component_.OnInput(L"InputDevice#1", 16, 0, L"MTIz");
+      while (!stop) component_.OnInput(L"InputDevice#1", kScanner, kDataText, L"MTIz");
     });
   }
   while (reading < kReaders) std::this_thread::yield();

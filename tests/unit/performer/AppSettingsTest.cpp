@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "performer/AppSettings.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/Variants.h"
 #include "tests/unit/performer/RestoredSettings.h"
 
@@ -24,8 +25,8 @@ const struct {
 
 TEST_F(AppSettingsTest, HaveTheirInitialValues) {
   EXPECT_EQ(kAtLoadTime.locale, 0u);
-  EXPECT_EQ(kAtLoadTime.ioDataType, 0u);
-  EXPECT_EQ(kAtLoadTime.deviceType, 16u);
+  EXPECT_EQ(kAtLoadTime.ioDataType, rig::kDataText);
+  EXPECT_EQ(kAtLoadTime.deviceType, rig::kScanner);
 }
 
 struct Setting {
@@ -64,20 +65,20 @@ TEST_F(AppSettingsTest, IgnoreValuesOutOfRange) {
 }
 
 TEST_F(AppSettingsTest, DoNotAffectEachOther) {
-  AppSettings::setLocale(1);
-  EXPECT_EQ(AppSettings::ioDataType(), 0u);
-  EXPECT_EQ(AppSettings::deviceType(), 16u);
-  AppSettings::setIODataType(2);
-  AppSettings::setDeviceType(32);
-  EXPECT_EQ(AppSettings::locale(), 1u);
-  EXPECT_EQ(AppSettings::ioDataType(), 2u);
-  EXPECT_EQ(AppSettings::deviceType(), 32u);
+  AppSettings::setLocale(rig::kEnglishLocale);
+  EXPECT_EQ(AppSettings::ioDataType(), rig::kDataText);
+  EXPECT_EQ(AppSettings::deviceType(), rig::kScanner);
+  AppSettings::setIODataType(rig::kDataBase64);
+  AppSettings::setDeviceType(rig::kCardReader);
+  EXPECT_EQ(AppSettings::locale(), rig::kEnglishLocale);
+  EXPECT_EQ(AppSettings::ioDataType(), rig::kDataBase64);
+  EXPECT_EQ(AppSettings::deviceType(), rig::kCardReader);
 }
 
 TEST_F(AppSettingsTest, AnAbsentValueIsTheDefaultIncludingItsTypeCode) {
   const tVariant fallback = rig::untouchedVariant();
   EXPECT_TRUE(rig::sameBytes(AppSettings::value(L"absent", fallback), fallback));
-  EXPECT_EQ(AppSettings::value(L"absent", rig::numberVariant(5)).vt, 3);
+  EXPECT_EQ(AppSettings::value(L"absent", rig::numberVariant(5)).vt, rig::kTypeInt32);
 }
 
 TEST_F(AppSettingsTest, AValueIsKeptBitByBit) {

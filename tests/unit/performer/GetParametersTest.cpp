@@ -7,6 +7,7 @@
 #include "performer/AppSettings.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/ExpectedForm.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/unit/performer/OpenPerformer.h"
 #include "util/Text.h"
 
@@ -30,13 +31,13 @@ class GetParameters : public testing::Test {
 };
 
 TEST_F(GetParameters, IsTheFormInTheLanguageOfTheLocale) {
-  EXPECT_TRUE(rig::areSame(formIn(0), rig::expectedForm("ru", "", "")));
-  EXPECT_TRUE(rig::areSame(formIn(1), rig::expectedForm("en", "", "")));
+  EXPECT_TRUE(rig::areSame(formIn(rig::kRussianLocale), rig::expectedForm("ru", "", "")));
+  EXPECT_TRUE(rig::areSame(formIn(rig::kEnglishLocale), rig::expectedForm("en", "", "")));
 }
 
 TEST_F(GetParameters, CanBeCalledAgain) {
-  const std::string once = formIn(0);
-  EXPECT_EQ(formIn(0), once);
+  const std::string once = formIn(rig::kRussianLocale);
+  EXPECT_EQ(formIn(rig::kRussianLocale), once);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/Variants.h"
 #include "tests/unit/performer/OpenPerformer.h"
 #include "tests/unit/performer/RestoredSettings.h"
@@ -139,7 +140,7 @@ class ParametersTest : public test::RestoredSettings {
 
   static bool set(OpenPerformer& performer, const wchar_t* name, const tVariant& value) {
     const tVariant result = performer.SetParameter(name, value);
-    EXPECT_EQ(result.vt, 11);
+    EXPECT_EQ(result.vt, rig::kTypeBool);
     return result.boolValue;
   }
 };
@@ -171,8 +172,9 @@ TEST_F(ParametersTest, NumbersAreStoredWithoutARangeCheck) {
 }
 
 TEST_F(ParametersTest, NumbersAreAcceptedFromSomeNumericTypesOnly) {
-  const std::set<unsigned> numbers = {2, 3, 10, 14};
-  const std::set<unsigned> doubles = {4, 5};
+  const std::set<unsigned> numbers = {rig::kTypeInt16, rig::kTypeInt32, rig::kTypeError,
+                                      rig::kTypeUint8};
+  const std::set<unsigned> doubles = {rig::kTypeFloat, rig::kTypeDouble};
   for (const Parameter& parameter : kParameters) {
     if (!takesNumbers(parameter)) continue;
     for (const unsigned type : rig::typeCodes()) {
@@ -220,7 +222,7 @@ TEST_F(ParametersTest, TextsAreAcceptedFromWideStringsOnly) {
       tVariant value = textVariant(u"Сканер");
       value.vt = static_cast<std::uint16_t>(type);
       EXPECT_EQ(after(parameter.name, value),
-                type == 22 ? defaultsWith(parameter.fields, L"Сканер") : kDefaults);
+                type == rig::kTypeText ? defaultsWith(parameter.fields, L"Сканер") : kDefaults);
     }
   }
 }
@@ -281,8 +283,9 @@ TEST_F(ParametersTest, LogFileFolderAcceptsAnythingAndChangesNothing) {
 TEST_F(ParametersTest, IgnoreKeyboardStateAcceptsBooleansOnly) {
   for (const unsigned type : rig::typeCodes()) {
     // All bytes are zero: a boolean is false.
-    EXPECT_EQ(after(L"IgnoreKeyboardState", variantOfType(type)),
-              type == 11 ? defaultsWith({"keyboard ignoreKeyboardState"}, L"0") : kDefaults)
+    EXPECT_EQ(
+        after(L"IgnoreKeyboardState", variantOfType(type)),
+        type == rig::kTypeBool ? defaultsWith({"keyboard ignoreKeyboardState"}, L"0") : kDefaults)
         << "type code " << type;
   }
 }
@@ -291,7 +294,7 @@ TEST_F(ParametersTest, AnyNonZeroByteIsTrue) {
   for (int byte = 0; byte < 256; ++byte) {
     OpenPerformer performer;
     performer.keyboardFactory_.ignoreKeyboardState = byte == 0;
-    tVariant value = variantOfType(11);
+    tVariant value = variantOfType(rig::kTypeBool);
     value.i8 = static_cast<std::int8_t>(byte);
     EXPECT_TRUE(set(performer, L"IgnoreKeyboardState", value));
     EXPECT_EQ(performer.keyboardFactory_.ignoreKeyboardState, byte != 0) << byte;
@@ -304,12 +307,12 @@ TEST_F(ParametersTest, EquipmentNamesSelectTypeAndDataKind) {
     unsigned locale;
     std::wstring type, dataKind;
   } rows[] = {
-      {u"СканерШтрихкода", 0, L"16", L"Штрихкод"},
-      {u"СканерШтрихкода", 1, L"16", L"Barcode"},
-      {u"УстройствоВвода", 0, L"16", L"Штрихкод"},
-      {u"УстройствоВвода", 1, L"16", L"Barcode"},
-      {u"СчитывательМагнитныхКарт", 0, L"32", L"ДанныеКарты"},
-      {u"СчитывательМагнитныхКарт", 1, L"32", L"TrackData"},
+      {u"СканерШтрихкода", rig::kRussianLocale, L"16", L"Штрихкод"},
+      {u"СканерШтрихкода", rig::kEnglishLocale, L"16", L"Barcode"},
+      {u"УстройствоВвода", rig::kRussianLocale, L"16", L"Штрихкод"},
+      {u"УстройствоВвода", rig::kEnglishLocale, L"16", L"Barcode"},
+      {u"СчитывательМагнитныхКарт", rig::kRussianLocale, L"32", L"ДанныеКарты"},
+      {u"СчитывательМагнитныхКарт", rig::kEnglishLocale, L"32", L"TrackData"},
   };
   for (const auto& row : rows) {
     AppSettings::setLocale(row.locale);
@@ -339,7 +342,7 @@ TEST_F(ParametersTest, OtherEquipmentNamesChangeOnlyTheText) {
 
 TEST_F(ParametersTest, EquipmentNamesAreWideStringsOnly) {
   for (const unsigned type : rig::typeCodes()) {
-    if (type == 22) continue;
+    if (type == rig::kTypeText) continue;
     tVariant value = textVariant(u"СчитывательМагнитныхКарт");
     value.vt = static_cast<std::uint16_t>(type);
     EXPECT_EQ(after(L"EquipmentType", value), kDefaults) << "type code " << type;
@@ -352,7 +355,7 @@ TEST_F(ParametersTest, ANullEquipmentNameIsTheEmptyOne) {
   set(performer, L"EquipmentType", textVariant(u"СчитывательМагнитныхКарт"));
   EXPECT_TRUE(set(performer, L"EquipmentType", textVariant(nullptr, 24)));
   EXPECT_EQ(performer.equipmentText_, L"");
-  EXPECT_EQ(performer.settings_->equipmentType, 32u);
+  EXPECT_EQ(performer.settings_->equipmentType, rig::kCardReader);
   EXPECT_EQ(performer.dataKind_, L"ДанныеКарты");
 }
 
@@ -362,7 +365,7 @@ TEST_F(ParametersTest, SettersReportRefusedValues) {
     SCOPED_TRACE(testing::PrintToString(parameter.name));
     const auto& setter = performer.settings_->setters.at(parameter.name);
     // No parameter accepts a 64-bit integer.
-    EXPECT_EQ(setter(numberVariant(77, 17)), parameter.takes == Takes::kAnything);
+    EXPECT_EQ(setter(numberVariant(77, rig::kTypeInt64)), parameter.takes == Takes::kAnything);
     EXPECT_EQ(setter(numberVariant(77)),
               takesNumbers(parameter) || parameter.takes == Takes::kAnything);
     const bool takesTexts = parameter.takes == Takes::kText ||
@@ -405,9 +408,9 @@ TEST_F(ParametersTest, CannotBeReadBack) {
   OpenPerformer performer;
   const std::wstring longName(10000, L'x');
   for (const wchar_t* const name : {L"Port", L"Speed", L"", L"no such name", longName.c_str()}) {
-    EXPECT_TRUE(rig::sameBytes(performer.GetParameter(name), variantOfType(0)));
+    EXPECT_TRUE(rig::sameBytes(performer.GetParameter(name), variantOfType(rig::kTypeEmpty)));
   }
-  EXPECT_TRUE(rig::sameBytes(performer.GetParameter(nullptr), variantOfType(0)));
+  EXPECT_TRUE(rig::sameBytes(performer.GetParameter(nullptr), variantOfType(rig::kTypeEmpty)));
 }
 
 }  // namespace

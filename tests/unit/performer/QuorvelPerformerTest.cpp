@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/rig/Environment.h"
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/HostDoubles.h"
 #include "tests/rig/Variants.h"
 #include "tests/rig/VirtualSlots.h"
@@ -75,7 +76,7 @@ TEST_F(PerformerTest, KeepsTheConnectionAndACopyOfTheCallback) {
 
 TEST_F(PerformerTest, HasOneErrorTextInTwoLanguages) {
   OpenPerformer performer;
-  for (const unsigned locale : {0u, 1u}) {
+  for (const unsigned locale : {rig::kRussianLocale, rig::kEnglishLocale}) {
     AppSettings::setLocale(locale);
     EXPECT_EQ(performer.GetLastError(true),
               L"Ошибка подключения. Проверьте доступность устройства.");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "performer/AppSettings.h"
+#include "tests/rig/HostCodes.h"
 
 namespace quorvel::test {
 
@@ -14,9 +15,9 @@ class RestoredSettings : public testing::Test {
 
  private:
   static void reset() {
-    AppSettings::setLocale(0);
-    AppSettings::setIODataType(0);
-    AppSettings::setDeviceType(16);
+    AppSettings::setLocale(rig::kRussianLocale);
+    AppSettings::setIODataType(rig::kDataText);
+    AppSettings::setDeviceType(rig::kScanner);
   }
 };
 

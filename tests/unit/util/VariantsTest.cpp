@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/rig/HostCodes.h"
 #include "tests/rig/HostDoubles.h"
 #include "tests/rig/Variants.h"
 #include "util/Variants.h"
@@ -37,7 +38,7 @@ TEST(SetBool, WritesOneByteAndTheTypeCode) {
   for (const bool value : {false, true}) {
     tVariant expected = rig::untouchedVariant();
     expected.i8 = value;
-    expected.vt = 11;
+    expected.vt = rig::kTypeBool;
     tVariant variant = rig::untouchedVariant();
     setBool(variant, value);
     EXPECT_EQ(bytesOf(variant), bytesOf(expected));
@@ -47,7 +48,7 @@ TEST(SetBool, WritesOneByteAndTheTypeCode) {
 TEST(SetInt, WritesTheNumberAndTheTypeCode) {
   tVariant expected = rig::untouchedVariant();
   expected.intValue = -5;
-  expected.vt = 3;
+  expected.vt = rig::kTypeInt32;
   tVariant variant = rig::untouchedVariant();
   setInt(variant, -5);
   EXPECT_EQ(bytesOf(variant), bytesOf(expected));
@@ -74,7 +75,7 @@ TEST(ExpectedText, IsAWideStringOrANullPointer) {
     SCOPED_TRACE(testing::Message() << "type code " << type);
     tVariant text = textVariant(u"abc");
     text.vt = static_cast<std::uint16_t>(type);
-    if (type == VTYPE_PWSTR) {
+    if (type == rig::kTypeText) {
       EXPECT_EQ(textOf(text), L"abc");
     } else {
       EXPECT_EQ(textOf(text), std::nullopt);
@@ -89,7 +90,7 @@ TEST(ExpectedText, NeverFollowsANumberAsAPointer) {
 }
 
 TEST(VariantToInt, IntegersGiveTheFirstWord) {
-  for (const unsigned type : {2u, 3u, 10u, 14u}) {
+  for (const unsigned type : {rig::kTypeInt16, rig::kTypeInt32, rig::kTypeError, rig::kTypeUint8}) {
     for (const std::int32_t number : {0, 1, -1, 0x12345678, INT32_MIN, INT32_MAX}) {
       std::int32_t value = kUntouched;
       EXPECT_TRUE(convVarToInt(numberVariant(number, type), value));
@@ -99,7 +100,8 @@ TEST(VariantToInt, IntegersGiveTheFirstWord) {
 }
 
 TEST(VariantToInt, OtherTypesAreRefused) {
-  const std::set<unsigned> accepted = {2, 3, 4, 5, 10, 14};
+  const std::set<unsigned> accepted = {rig::kTypeInt16,  rig::kTypeInt32, rig::kTypeFloat,
+                                       rig::kTypeDouble, rig::kTypeError, rig::kTypeUint8};
   for (unsigned type = 0; type < kTypeCodes; ++type) {
     std::int32_t value = kUntouched;
     const bool taken = convVarToInt(numberVariant(5, type), value);
@@ -125,7 +127,7 @@ TEST(VariantToInt, BothFloatingTypesAreReadAsADouble) {
               {2147483647.9, INT32_MAX},
               {-2147483648.0, INT32_MIN},
               {-2147483648.9, INT32_MIN}};
-  for (const unsigned type : {4u, 5u}) {
+  for (const unsigned type : {rig::kTypeFloat, rig::kTypeDouble}) {
     for (const auto& row : rows) {
       std::int32_t value = kUntouched;
       EXPECT_TRUE(convVarToInt(doubleVariant(row.number, type), value));
@@ -136,7 +138,7 @@ TEST(VariantToInt, BothFloatingTypesAreReadAsADouble) {
 
 TEST(VariantToInt, A32BitFloatIsReadAsADouble) {
   // The bytes of 2.0f followed by zeros are a double close to 0.
-  tVariant variant = variantOfType(4);
+  tVariant variant = variantOfType(rig::kTypeFloat);
   variant.floatValue = 2.0f;
   std::int32_t value = kUntouched;
   EXPECT_TRUE(convVarToInt(variant, value));
@@ -153,7 +155,9 @@ TEST(VariantToInt, ADoubleThatDoesNotFitGivesTheSmallestInteger) {
 }
 
 TEST(VariantToDWORD, IntegersGiveTheLowWord) {
-  for (const unsigned type : {2u, 3u, 10u, 14u, 15u, 16u, 17u, 18u}) {
+  for (const unsigned type :
+       {rig::kTypeInt16, rig::kTypeInt32, rig::kTypeError, rig::kTypeUint8, rig::kTypeUint16,
+        rig::kTypeUint32, rig::kTypeInt64, rig::kTypeUint64}) {
     for (const std::uint64_t number :
          {0ull, 1ull, 0x80000000ull, 0xFFFFFFFFull, 0x1234567800000005ull, 0xFFFFFFFFFFFFFFFFull}) {
       tVariant variant = variantOfType(type);
@@ -166,7 +170,9 @@ TEST(VariantToDWORD, IntegersGiveTheLowWord) {
 }
 
 TEST(VariantToDWORD, OtherTypesAreRefused) {
-  const std::set<unsigned> accepted = {2, 3, 4, 5, 10, 14, 15, 16, 17, 18};
+  const std::set<unsigned> accepted = {
+      rig::kTypeInt16, rig::kTypeInt32,  rig::kTypeFloat,  rig::kTypeDouble, rig::kTypeError,
+      rig::kTypeUint8, rig::kTypeUint16, rig::kTypeUint32, rig::kTypeInt64,  rig::kTypeUint64};
   for (unsigned type = 0; type < kTypeCodes; ++type) {
     std::uint32_t value = kUntouched;
     const bool taken = convVarToDWORD(numberVariant(5, type), value);
@@ -190,7 +196,7 @@ TEST(VariantToDWORD, ADoubleGivesTheLowBitsOfItsIntegerPart) {
               {-4294967301.0, 0xFFFFFFFB},
               {9007199254740993.0, 0},  // 2^53 + 1 rounds to 2^53
               {-9223372036854775808.0, 0}};
-  for (const unsigned type : {4u, 5u}) {
+  for (const unsigned type : {rig::kTypeFloat, rig::kTypeDouble}) {
     for (const auto& row : rows) {
       std::uint32_t value = kUntouched;
       EXPECT_TRUE(convVarToDWORD(doubleVariant(row.number, type), value));
@@ -260,7 +266,7 @@ TEST(AllocAndConvert, IsNullWhenTheMemoryManagerFails) {
 TEST(AllocAndConvertVariant, IsAWideString) {
   FakeMemoryManager memory;
   const tVariant variant = AllocAndConvertVariant(&memory, L"Привет");
-  EXPECT_EQ(variant.vt, 22);
+  EXPECT_EQ(variant.vt, rig::kTypeText);
   EXPECT_EQ(variant.wide.length, 6u);
   EXPECT_EQ(variant.wide.text, u"Привет"s);
 }
@@ -270,7 +276,7 @@ TEST(AllocAndConvertVariant, HasANullTextWhenTheMemoryManagerFails) {
   memory.answer = FakeMemoryManager::Answer::kRefusal;
   for (FakeMemoryManager* const manager : {static_cast<FakeMemoryManager*>(nullptr), &memory}) {
     const tVariant variant = AllocAndConvertVariant(manager, L"abc");
-    EXPECT_EQ(variant.vt, 22);
+    EXPECT_EQ(variant.vt, rig::kTypeText);
     EXPECT_EQ(variant.wide.text, nullptr);
     EXPECT_EQ(variant.wide.length, 3u);
   }
