@@ -101,7 +101,7 @@ TEST_F(Copy, YieldsToAnotherProgram) {
   });
 }
 
-TEST_F(Copy, RestsWhileTheClipboardIsHeld) {
+TEST_F(Copy, IsIdleWhileTheClipboardIsHeld) {
   inRows({"scan"}, [](TestWindow& window) {
     copyRow(window, 0);
     EXPECT_EQ(clipboard(), "scan 'CR' ");

@@ -70,7 +70,7 @@ TEST(FormChoices, EachPortOpensItsFile) {
   }
 }
 
-TEST(FormChoices, EachEncodingLeavesAScanWhole) {
+TEST(FormChoices, EachEncodingKeepsAScanIntact) {
   rig::SerialDriver driver;
   terminal::SerialLine& line = driver.plugIn(kFirstUsbPort);
   const std::vector<std::string> encodings = choicesOf(driver, "COMEncoding");

@@ -85,7 +85,7 @@ INSTANTIATE_TEST_SUITE_P(Ends, FrameLineEnd,
                                          EndByte{"7", "1\r2\t\x07"}),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST(FrameLineEnd, RefusesWhatIsNoByte) {
+TEST(FrameLineEnd, RefusesAnythingButAByte) {
   const SerialLine line(LineSetting::kCooked);
   const termios before = settingOf(line);
   for (const char* const end : {"0", "128", "crlf", ""}) {

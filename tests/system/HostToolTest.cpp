@@ -100,7 +100,7 @@ TEST(HostTool, ListenPrintsALineForEachScan) {
   host.end(SIGINT);
 }
 
-TEST(HostTool, ListenSpeaksRussianToARussian) {
+TEST(HostTool, ListenSpeaksRussianInARussianLocale) {
   Listening host({}, kRussian);
   EXPECT_THAT(host.listening, StartsWith("слушаю, устройство InputDevice#1"));
   host.end(SIGTERM);
@@ -123,7 +123,7 @@ TEST(HostTool, ListenPrintsJson) {
   host.end(SIGHUP);
 }
 
-TEST(HostTool, ListenEndsAfterSoManyScans) {
+TEST(HostTool, ListenEndsAfterTheGivenNumberOfScans) {
   Listening host({"--count", "3", "--json"});
   for (const char* scan : {"1", "2", "3"}) {
     EXPECT_EQ(host.scanned(scan + std::string("\r"))["data"], scan);
@@ -246,7 +246,7 @@ TEST(HostTool, SaysInOneLineWhatIsWrong) {
   }
 }
 
-TEST(HostTool, HelpsAtAnyPlaceOfTheCommandLine) {
+TEST(HostTool, HelpMayStandAnywhereOnTheCommandLine) {
   for (const Words& words : {Words{"--help"}, Words{"-h"}, Words{"help"}}) {
     EXPECT_THAT(rig::run(hostWords(words), kEnglish).output,
                 HasSubstr("usage: quorvel-host [--library FILE] COMMAND"));

@@ -70,7 +70,7 @@ TEST_F(KeyboardFaultsTest, NoKeyIsLostToWindowsThatComeAndGo) {
   }
 }
 
-TEST_F(KeyboardFaultsTest, NoKeyIsLostOfAFlood) {
+TEST_F(KeyboardFaultsTest, NoKeyIsLostInAFlood) {
   constexpr int kScans = 250;
   const std::string text = "0123456789abcdefghi";
   Driver driver;
@@ -94,7 +94,7 @@ TEST_F(KeyboardFaultsTest, ADisabledKeyboardIsReadAgainWhenItIsEnabled) {
 }
 
 // To ungrab it would end the server.
-TEST_F(KeyboardFaultsTest, ADisabledKeyboardIsClosedAndTheServerLivesOn) {
+TEST_F(KeyboardFaultsTest, ClosingADisabledKeyboardDoesNotEndTheServer) {
   XClient client(server_.display());
   Driver driver;
   const std::u16string id = driver.openKeyboard(u"Scanner");
@@ -117,7 +117,7 @@ TEST_F(KeyboardFaultsTest, ARemovedDeviceIsClosedLikeAnyOther) {
   EXPECT_EQ(driver.event().source, scanner);
 }
 
-TEST_F(KeyboardFaultsTest, AServerThatDiesEndsTheReaderAndNotTheHost) {
+TEST_F(KeyboardFaultsTest, ADyingServerEndsTheReadersButNotTheHost) {
   Driver driver;
   const std::size_t threads = rig::threadCount();
   const std::u16string first = driver.openKeyboard(u"Scanner");
@@ -144,7 +144,7 @@ TEST_F(KeyboardFaultsTest, AnotherServerServesAfterOneHasDied) {
 // The host's own errors stay the host's.
 std::atomic<int> errorsOfTheHost = 0;
 
-TEST_F(KeyboardFaultsTest, ErrorsOfOtherDisplaysReachWhoeverHandledThemBefore) {
+TEST_F(KeyboardFaultsTest, ErrorsOfOtherDisplaysReachTheEarlierHandler) {
   const XErrorHandler before = XSetErrorHandler([](Display*, XErrorEvent*) {
     ++errorsOfTheHost;
     return 0;

@@ -124,7 +124,7 @@ TEST_F(KeyboardTest, TheChosenKeySeparatesGroupsToo) {
             u"3");
 }
 
-TEST_F(KeyboardTest, KeysWithoutATextAreLeftOut) {
+TEST_F(KeyboardTest, KeysWithoutTextAreSkipped) {
   Driver driver;
   driver.openKeyboard(u"Scanner");
   type(scanner(), "1");
@@ -169,7 +169,7 @@ TEST_F(KeyboardTest, ANameIsFoundAsTheFormShowsIt) {
   EXPECT_EQ(driver.event().data, u"7");
 }
 
-TEST_F(KeyboardTest, OfTwoDevicesWithOneNameTheLaterIsRead) {
+TEST_F(KeyboardTest, TheLaterOfTwoDevicesWithOneNameIsRead) {
   Driver driver;
   driver.openKeyboard(u"Twin ");
   type(keyboard(kTwin), "1\r");
@@ -177,7 +177,7 @@ TEST_F(KeyboardTest, OfTwoDevicesWithOneNameTheLaterIsRead) {
   EXPECT_EQ(driver.event().data, u"2");
 }
 
-TEST_F(KeyboardTest, AMessageGoesOnAfterSeconds) {
+TEST_F(KeyboardTest, AMessageMayTakeSeconds) {
   Driver driver;
   driver.openKeyboard(u"Scanner");
   rig::countKeysLookedAt();
@@ -286,7 +286,7 @@ class KeyboardFocusTest : public KeyboardTest {
   Driver driver_;
 };
 
-TEST_F(KeyboardFocusTest, NowhereInParticular) { EXPECT_TRUE(isRead()); }
+TEST_F(KeyboardFocusTest, OnNoWindow) { EXPECT_TRUE(isRead()); }
 
 TEST_F(KeyboardFocusTest, OnAWindowOfAnotherProcess) {
   const Window frame = client_.openWindow();
@@ -325,14 +325,14 @@ TEST_F(KeyboardFocusTest, TheNearestWindowAboveDecides) {
   EXPECT_TRUE(isRead());
 }
 
-TEST_F(KeyboardFocusTest, TheFocusWindowItselfIsNotAsked) {
+TEST_F(KeyboardFocusTest, TheFocusWindowItselfDoesNotCount) {
   const Window window = client_.openWindow();
   client_.setProcess(window, kAnotherProcess);
   client_.focus(window);
   EXPECT_TRUE(isRead());
 }
 
-TEST_F(KeyboardFocusTest, OnAWindowThatBecomesAnotherProcesses) {
+TEST_F(KeyboardFocusTest, OnAWindowThatPassesToAnotherProcess) {
   const Window frame = client_.openWindow();
   client_.focus(client_.openWindow(frame));
   expectRead();
@@ -340,7 +340,7 @@ TEST_F(KeyboardFocusTest, OnAWindowThatBecomesAnotherProcesses) {
   EXPECT_FALSE(isRead());
 }
 
-TEST_F(KeyboardFocusTest, OnAWindowThatMovesIntoAnotherProcesses) {
+TEST_F(KeyboardFocusTest, OnAWindowThatMovesIntoOneOfAnotherProcess) {
   const Window frame = client_.openWindow();
   client_.setProcess(frame, kAnotherProcess);
   const Window middle = client_.openWindow();

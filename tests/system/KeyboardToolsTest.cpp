@@ -72,7 +72,7 @@ TEST_F(KeyboardToolsTest, TypesLinesAsTheyCome) {
   EXPECT_EQ(scanner.end().code, 0);
 }
 
-TEST_F(KeyboardToolsTest, RefusesWhatNoKeyTypes) {
+TEST_F(KeyboardToolsTest, RefusesTextThatNoKeyTypes) {
   const Ending ending = scan({"--socket", server_.keyboardSocket(0), "\xD0\xA9"});
   EXPECT_EQ(ending.code, 2);
   EXPECT_EQ(ending.errors, "quorvel-scanner: no key types the character with code 208\n");
@@ -113,7 +113,7 @@ TEST_F(KeyboardToolsTest, TheHostSaysWhenTheKeyboardGoesAndWhenItIsBack) {
   EXPECT_EQ(host.end().code, 0);
 }
 
-TEST_F(KeyboardToolsTest, AWindowOfTheHostsOwnLetsItHearTheScanner) {
+TEST_F(KeyboardToolsTest, WithAWindowOfItsOwnTheHostHearsTheScanner) {
   const rig::Program manager({"matchbox-window-manager"});
   const pid_t other = std::stoi(rig::outputOf({"sh", "-c", "echo $$"}));
   rig::XClient client(server_.display());

@@ -80,7 +80,7 @@ std::string randomBytes(std::mt19937& random) {
 
 class LineModel : public testing::TestWithParam<LineSetting> {};
 
-TEST_P(LineModel, HandsOverWhatTheKernelDoes) {
+TEST_P(LineModel, HandsOverTheSameBytesAsTheKernel) {
   KernelLine line(GetParam());
   std::mt19937 random(20261121);
   for (int scan = 0; scan < 2000; ++scan) {
@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(Settings, LineModel,
                          testing::Values(LineSetting::kFramed, LineSetting::kRaw,
                                          LineSetting::kCooked));
 
-TEST(LineModel, OddSettingsAsTheKernelHasThem) {
+TEST(LineModel, AgreesWithTheKernelOnUnusualSettings) {
   KernelLine line(LineSetting::kCooked);
   std::mt19937 random(7);
   for (const tcflag_t input :
@@ -129,7 +129,7 @@ TEST(LineModel, OddSettingsAsTheKernelHasThem) {
   }
 }
 
-TEST(LineModel, WhatHasNoEndStaysHidden) {
+TEST(LineModel, AnUnfinishedLineStaysHidden) {
   const KernelLine line(LineSetting::kFramed);
   const terminal::LineOutput output = throughLine(line.setting, "123\r45");
   EXPECT_EQ(output.available, std::vector<std::string>{"123\r"});

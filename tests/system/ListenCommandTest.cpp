@@ -94,7 +94,7 @@ TEST(ListenCommand, AFullDiskEndsIt) {
   EXPECT_EQ(ending.errors, "quorvel-host: cannot write the output: No space left on device\n");
 }
 
-TEST(ListenCommand, AReaderThatHasGoneEndsIt) {
+TEST(ListenCommand, AClosedPipeEndsIt) {
   Scanner scanner;
   const std::string pipe = "/dev/shm/events";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
@@ -167,7 +167,7 @@ TEST(ListenCommand, SaysWhyThePortDoesNotOpen) {
   EXPECT_THAT(russian.errors, StartsWith(kComponentText + "port-missing: на этой машине нет"));
 }
 
-TEST(ListenCommand, RefusesWhatIsNotALine) {
+TEST(ListenCommand, RefusesAFileThatIsNotALine) {
   fs::create_symlink("null", "/dev/ttyUSB0");
   const Ending ending = rig::run(listenWords({"--port", "129"}), kEnglish);
   fs::remove("/dev/ttyUSB0");
@@ -175,7 +175,7 @@ TEST(ListenCommand, RefusesWhatIsNotALine) {
   EXPECT_THAT(ending.errors, StartsWith(kComponentText + "not-a-line: /dev/ttyUSB0"));
 }
 
-TEST(ListenCommand, WarnsOfWhatMayKeepScansFromArriving) {
+TEST(ListenCommand, WarnsWhenScansMayNotArrive) {
   SerialLine line(LineSetting::kCooked);
   line.link("/dev/ttyUSB0");
   Program other({"cat", "/dev/ttyUSB0"});
@@ -194,7 +194,7 @@ TEST(ListenCommand, WarnsOfWhatMayKeepScansFromArriving) {
   EXPECT_THAT(second.errorLine(), StartsWith("внимание: линия без сборки (raw)"));
 }
 
-TEST(ListenCommand, HintsAtDoctorAfterASilence) {
+TEST(ListenCommand, SuggestsDoctorAfterASilence) {
   const Scanner scanner;
   Program host(listenWords({"--port", "129"}), kEnglish);
   host.errorLine();
@@ -202,7 +202,7 @@ TEST(ListenCommand, HintsAtDoctorAfterASilence) {
             "nothing has come yet; to find out why: quorvel-host doctor --port 129");
 }
 
-TEST(ListenCommand, NothingOfAScanDrivesTheTerminal) {
+TEST(ListenCommand, AScanCannotDriveTheTerminal) {
   Scanner scanner;
   Program host(listenWords({"--port", "129", "--count", "1"}), kEnglish);
   host.errorLine();
@@ -212,7 +212,7 @@ TEST(ListenCommand, NothingOfAScanDrivesTheTerminal) {
   EXPECT_EQ(host.end().code, 0);
 }
 
-TEST(ListenCommand, NothingOfAnArgumentDrivesTheTerminal) {
+TEST(ListenCommand, AnArgumentCannotDriveTheTerminal) {
   const Ending ending = rig::run(listenWords({"--port", "1", "\x1B[2J\x9B"}), kEnglish);
   EXPECT_EQ(ending.errors, "quorvel-host: unexpected argument ␛[2J\\x9B\n");
 }

@@ -92,7 +92,7 @@ TEST(ScannerTool, StaysPluggedInAfterItsLastScanUntilItIsInterrupted) {
   scanner.unplug(SIGINT);
 }
 
-TEST(ScannerTool, SomebodyWhoOnlyLooksAtThePortIsNoReader) {
+TEST(ScannerTool, AProcessThatOnlyInspectsThePortIsNotAReader) {
   Scanner scanner({"1"});
   rig::outputOf({"stty", "-F", kUsb1Path, "-a"});
   Device device;
@@ -206,7 +206,7 @@ std::string readPort(std::size_t count) {
   return bytes;
 }
 
-TEST(ScannerTool, DoesNotWaitForAReaderWhenToldSo) {
+TEST(ScannerTool, DoesNotWaitForAReaderWhenToldNotTo) {
   Scanner scanner({"--no-wait", "--line", "raw", "123", "45"});
   EXPECT_EQ(readPort(7), "123\r45\r");
   scanner.unplug();
@@ -221,7 +221,7 @@ TEST(ScannerTool, SeveralScansInOneWrite) {
   scanner.unplug();
 }
 
-TEST(ScannerTool, LeavesAloneWhatStandsAtThePlaceOfItsPort) {
+TEST(ScannerTool, LeavesAnExistingFileAtItsPortAlone) {
   const TemporaryFile file("precious");
   std::filesystem::create_symlink(file.path, kUsb1Path);
   const Ending ending = rig::run(scannerWords({"1"}), kEnglish);
@@ -325,7 +325,7 @@ TEST(ScannerTool, SaysInOneLineWhatIsWrong) {
   }
 }
 
-TEST(ScannerTool, HelpsAtAnyPlaceOfTheCommandLine) {
+TEST(ScannerTool, HelpMayStandAnywhereOnTheCommandLine) {
   const auto helpOf = [](Words words, const rig::Variables& locale) {
     words.insert(words.begin(), rig::scannerPath());
     const Ending ending = rig::run(words, locale);
@@ -377,7 +377,7 @@ TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
 }
 
 // A scanner whose line is full waits for its reader at rest.
-TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenRests) {
+TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenSleeps) {
   terminal::SerialLine line(terminal::LineSetting::kRaw);
   // The line hangs up when its last reader leaves.
   ::close(::open(line.port().c_str(), O_RDONLY | O_NOCTTY));

@@ -42,7 +42,7 @@ class StrangePort {
   const std::string path_;
 };
 
-TEST(SerialFaults, TheReaderOfADeadPortRestsAndCanBeClosed) {
+TEST(SerialFaults, TheReaderOfADeadPortSleepsAndCanBeClosed) {
   SerialDriver driver;
   const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
@@ -164,7 +164,7 @@ TEST(SerialFaults, AHostWithoutStandardInput) {
   ::close(kept);
 }
 
-TEST(SerialFaults, AHostThatMayStartNoThread) {
+TEST(SerialFaults, AHostThatCannotStartAThread) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);
   driver.component.setParameter(u"Port", kUsb1);

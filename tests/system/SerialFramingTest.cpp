@@ -111,7 +111,7 @@ TEST_P(SerialFraming, OneBurst) {
 INSTANTIATE_TEST_SUITE_P(All, SerialFraming, testing::ValuesIn(kFramings),
                          [](const auto& test) { return test.param.name; });
 
-TEST(SerialFramingTest, WhatHasNoEndIsDiscardedWithItsBurst) {
+TEST(SerialFramingTest, AnUnfinishedMessageIsDiscardedWithItsBurst) {
   RawDevice device(kUsb1, 13);
   EXPECT_EQ(device.burst("123"), Messages());
   EXPECT_EQ(device.burst("456\r"), base64Of({"456"}));
@@ -172,7 +172,7 @@ TEST(SlowLine, CookedNeverEndsWithACarriageReturn) {
   EXPECT_EQ(event.data, u"end");
 }
 
-TEST(SlowLine, RawLosesWhatNoBurstEnds) {
+TEST(SlowLine, RawLosesAScanThatIsSplitIntoBursts) {
   RawDevice device(kUsb1, 13);
   for (const std::string& scan : kScans) {
     // Each byte is a burst of its own, and the terminator has nothing before it.

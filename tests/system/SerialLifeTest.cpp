@@ -99,7 +99,7 @@ TEST(SerialLife, DestroyingAComponentClosesItsDevices) {
   EXPECT_EQ(rig::descriptorCount(), descriptors);
 }
 
-TEST(SerialLife, StartingAComponentAnewClosesItsDevices) {
+TEST(SerialLife, InitialisingAComponentAgainClosesItsDevices) {
   SerialDriver driver;
   const std::size_t threads = rig::settledThreadCount();
   openPorts(driver, 1);
@@ -163,7 +163,7 @@ TEST(SerialLife, ClosingWhileScansArrive) {
   rig::awaitThreadCount(threads);
 }
 
-TEST(SerialLife, AHostThatExitsWhileScansArriveEndsInPeace) {
+TEST(SerialLife, AHostThatExitsWhileScansArriveExitsCleanly) {
   for (int run = 0; run < 5; ++run) {
     rig::inOwnProcess([] {
       // Never destroyed, as in a host that just exits.

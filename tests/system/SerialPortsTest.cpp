@@ -87,7 +87,7 @@ std::string settingsOf(const std::string& path) {
   return settings.str();
 }
 
-TEST(SerialPorts, EverySettingOfALineButItsSpeedIsLeftAsFound) {
+TEST(SerialPorts, EverySettingOfALineButItsSpeedIsKept) {
   SerialDriver driver;
   const std::string paths[] = {"/dev/ttyUSB0", "/dev/ttyUSB1", "/dev/ttyUSB2", "/dev/ttyUSB3"};
   driver.plugIn(129, LineSetting::kFramed);
@@ -120,7 +120,7 @@ std::vector<int> descriptorsOf(const std::string& path) {
   return descriptors;
 }
 
-TEST(SerialPorts, ThePortIsOpenForReadingWithoutWaitingAndForThisProcessAlone) {
+TEST(SerialPorts, ThePortIsOpenReadOnlyNonBlockingAndCloseOnExec) {
   SerialDriver driver;
   const SerialLine& line = driver.plugIn(kUsb1);
   driver.open(kUsb1);
@@ -170,7 +170,7 @@ class OpenPort {
   int descriptor_;
 };
 
-TEST(SerialPorts, WhatWasScannedBeforeTheOpeningIsDiscarded) {
+TEST(SerialPorts, ScansFromBeforeTheOpeningAreDiscarded) {
   SerialDriver driver;
   SerialLine& framed = driver.plugIn(kUsb1);
   SerialLine& raw = driver.plugIn(130, LineSetting::kRaw);

@@ -213,7 +213,7 @@ TEST(SerialUnplug, APortThatMayNotBeOpenedYetIsTriedAgain) {
   EXPECT_EQ(driver.event().source, id);
 }
 
-TEST(SerialUnplug, WhatIsNoDeviceIsNotRead) {
+TEST(SerialUnplug, AFileThatIsNotADeviceIsNotRead) {
   Scanner scanner;
   SerialDriver driver;
   std::u16string id;
@@ -369,7 +369,7 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
 }
 
 // On a cooked line, byte 4 ends a read like an end of file.
-TEST(SerialUnplug, AnEndOfFileCharacterIsNoUnplugging) {
+TEST(SerialUnplug, AnEndOfFileCharacterIsNotAnUnplug) {
   SerialDriver driver;
   Scanner scanner(kUsb1, LineSetting::kCooked);
   driver.component.setParameter(u"Suffix", 10);

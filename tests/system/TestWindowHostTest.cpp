@@ -167,7 +167,7 @@ TEST_F(TestWindowHost, LeavesAKeyboardOfTheHostAlone) {
   });
 }
 
-TEST_F(TestWindowHost, FollowsAHostThatFoundNoDisplayForGtk) {
+TEST_F(TestWindowHost, OpensInAHostWhoseGtkHadFoundNoDisplay) {
   inOwnProcess([] {
     const std::string display = std::getenv("DISPLAY");
     unsetenv("DISPLAY");
@@ -179,7 +179,7 @@ TEST_F(TestWindowHost, FollowsAHostThatFoundNoDisplayForGtk) {
 }
 
 // Serial ports with no chip behind them: readable at once, and forever, with nothing to be read.
-TEST_F(TestWindowHost, RestsWithManyDeadPorts) {
+TEST_F(TestWindowHost, IsIdleWithManyDeadPorts) {
   inOwnProcess([] {
     addDeadPorts(32);
     const auto scanner = scannerAt("/dev/ttyUSB0");

@@ -98,7 +98,7 @@ class TestWindowKeys : public rig::WindowTest {
   int keys_ = 0;  // released in the window
 };
 
-TEST_F(TestWindowKeys, OfAScanPressNoButton) {
+TEST_F(TestWindowKeys, FromAScanPressNoButton) {
   inFocus([this](TestWindow& window) {
     // Enter and space after any number of Tabs, that is, wherever the focus may be.
     for (std::size_t tabs = 0; tabs < 6; ++tabs) {
@@ -112,7 +112,7 @@ TEST_F(TestWindowKeys, OfAScanPressNoButton) {
   });
 }
 
-TEST_F(TestWindowKeys, OfAScanWithAnEscapeInItDoNotClose) {
+TEST_F(TestWindowKeys, FromAScanWithAnEscapeDoNotClose) {
   inFocus([this](TestWindow& window) {
     constexpr Key kDigit{10};
     typeAtOnce(window, {kEscape, kDigit});
@@ -124,7 +124,7 @@ TEST_F(TestWindowKeys, OfAScanWithAnEscapeInItDoNotClose) {
   });
 }
 
-TEST_F(TestWindowKeys, OfAScanMoveNoSelection) {
+TEST_F(TestWindowKeys, FromAScanDoNotMoveTheSelection) {
   inFocus([this](TestWindow& window) {
     terminal::type(keyboard(), "another row\r");
     window.awaitRows(2);
@@ -138,7 +138,7 @@ TEST_F(TestWindowKeys, OfAScanMoveNoSelection) {
   });
 }
 
-TEST_F(TestWindowKeys, OfScansInAnyOrderChangeNothing) {
+TEST_F(TestWindowKeys, FromRandomScansChangeNothing) {
   inFocus([this](TestWindow& window) {
     std::mt19937 random(1);  // always the same keys
     std::uniform_int_distribution<unsigned> anyKey(9, 119);

@@ -68,7 +68,7 @@ TEST_F(TestWindowPlug, ListensToAPortThatMayBeOpenedLater) {
   });
 }
 
-TEST_F(TestWindowPlug, StartsNoSecondReader) {
+TEST_F(TestWindowPlug, StartsOneReaderForEachPort) {
   SerialLine& first = plugIn("/dev/ttyUSB0");
   inWindow([&](TestWindow& window) {
     first.send("one\r");

@@ -26,7 +26,7 @@ using testing::UnorderedElementsAre;
 
 class TestWindowRows : public rig::WindowTest {};
 
-TEST_F(TestWindowRows, IsEmptyWhereThereIsNothingToListenTo) {
+TEST_F(TestWindowRows, IsEmptyWhenThereIsNothingToListenTo) {
   inWindow([&](TestWindow& window) { EXPECT_THAT(window.rows(), IsEmpty()); });
 }
 
@@ -50,7 +50,7 @@ TEST_F(TestWindowRows, ListsWhatEveryPortAndKeyboardSends) {
 }
 
 // The counts of the families decide, not the numbers of the files.
-TEST_F(TestWindowRows, TakesPortsToBeNumberedWithoutGaps) {
+TEST_F(TestWindowRows, AssumesThatPortsAreNumberedWithoutGaps) {
   SerialLine& first = plugIn("/dev/ttyACM0");
   SerialLine& third = plugIn("/dev/ttyACM2");
   inWindow([&](TestWindow& window) {

@@ -36,7 +36,7 @@ TEST(VisibleText, BytesThatAreNotUtf8BecomeTheirNumbers) {
             "a\\xFF\\xD0b\\x9Bc\\xD0");
 }
 
-TEST(VisibleText, WhatIsKeptStays) { EXPECT_EQ(visible("a\tb\x1B", "\t"), "a\tb␛"); }
+TEST(VisibleText, LeavesTheGivenCharacters) { EXPECT_EQ(visible("a\tb\x1B", "\t"), "a\tb␛"); }
 
 TEST(VisibleText, JsonKeepsItsMeaning) {
   const std::string data = "\x1B[2J\u009B\u202E\x7F\u2028Ж";

@@ -361,7 +361,7 @@ TEST_F(OnInputTest, WithoutAConnectionNothingHappens) {
   unconnected.OnInput(L"InputDevice#1", kScanner, kDataText, L"MTIz");
 }
 
-TEST_F(OnInputTest, UsesNoneOfTheHostsMemory) {
+TEST_F(OnInputTest, AllocatesNoHostMemory) {
   input(kScanner, kDataText, L"MTIz");
   EXPECT_TRUE(memory_.requests.empty());
 }

@@ -81,7 +81,7 @@ TEST_F(FocusTrackerTest, FollowsTheFocus) {
   EXPECT_FALSE(belongsToAnotherProcess());
 }
 
-TEST_F(FocusTrackerTest, AsksNothingWhileNothingChanges) {
+TEST_F(FocusTrackerTest, SendsNoRequestsWhileNothingChanges) {
   client_.focus(openWindowOf(kAnotherProcess));
   EXPECT_TRUE(belongsToAnotherProcess());
   // The second answer has counted the master keyboards.

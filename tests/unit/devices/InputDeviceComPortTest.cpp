@@ -82,7 +82,7 @@ TEST(WaitForReadyRead, TellsWhetherThereIsSomethingToRead) {
   EXPECT_TRUE(waitForReadyRead(pipe.readEnd.get(), kForever));
 }
 
-TEST(WaitForReadyRead, TakesNothingAway) {
+TEST(WaitForReadyRead, ConsumesNothing) {
   TestPipe pipe;
   pipe.write();
   ASSERT_TRUE(waitForReadyRead(pipe.readEnd.get(), 0));
@@ -137,7 +137,7 @@ TEST(WaitForReadyRead, DescriptorsOfAnyNumberWork) {
   }
 }
 
-TEST(WaitForReadyRead, AWaitWithoutLimitEndsWhenSomethingComes) {
+TEST(WaitForReadyRead, AnUnlimitedWaitEndsWhenDataArrives) {
   TestPipe pipe;
   std::thread writer([&] { pipe.write(); });
   EXPECT_TRUE(waitForReadyRead(pipe.readEnd.get(), kForever));
@@ -202,7 +202,7 @@ TEST(InputDeviceComPort, AFailedStartReleasesTheCallback) {
   EXPECT_EQ(kept.use_count(), 1);
 }
 
-TEST(InputDeviceComPort, AFactoryOfAnyValuesFailsWithoutHarm) {
+TEST(InputDeviceComPort, ArbitraryFactoryValuesFailGracefully) {
   InputDeviceComPortFactory factory;
   factory.port = 100129;
   factory.speed = UINT32_MAX;

@@ -8,11 +8,11 @@
 namespace quorvel {
 namespace {
 
-TEST(InputDeviceFactory, CreatesInTheSlotBehindItsDestructor) {
+TEST(InputDeviceFactory, CreateIsInTheSlotAfterTheDestructor) {
   EXPECT_EQ(rig::slotOf(&InputDeviceFactory::create), 2u);
 }
 
-TEST(InputDeviceComPortFactory, HasDefaultsOfItsOwn) {
+TEST(InputDeviceComPortFactory, HasItsDefaults) {
   const InputDeviceComPortFactory factory;
   EXPECT_EQ(factory.port, 1u);
   EXPECT_EQ(factory.speed, 9600u);
@@ -23,7 +23,7 @@ TEST(InputDeviceComPortFactory, HasDefaultsOfItsOwn) {
   EXPECT_EQ(factory.comEncoding, L"");
 }
 
-TEST(InputDeviceKeyboardFactory, HasDefaultsOfItsOwn) {
+TEST(InputDeviceKeyboardFactory, HasItsDefaults) {
   const InputDeviceKeyboardFactory factory;
   EXPECT_EQ(factory.port, 0u);
   EXPECT_EQ(factory.suffix, L"");
@@ -37,7 +37,7 @@ TEST(InputDeviceKeyboardFactory, HasDefaultsOfItsOwn) {
   EXPECT_TRUE(factory.ignoreKeyboardState);
 }
 
-TEST(InputDeviceComPortFactory, ACopyIsOnItsOwn) {
+TEST(InputDeviceComPortFactory, ACopyIsIndependent) {
   InputDeviceComPortFactory factory;
   factory.port = 129;
   factory.comEncoding = L"Windows-1251";
@@ -52,7 +52,7 @@ TEST(InputDeviceComPortFactory, ACopyIsOnItsOwn) {
   EXPECT_EQ(factory.comEncoding, L"Windows-1251");
 }
 
-TEST(InputDeviceKeyboardFactory, ACopyIsOnItsOwn) {
+TEST(InputDeviceKeyboardFactory, ACopyIsIndependent) {
   InputDeviceKeyboardFactory factory;
   factory.keyboardDevice = L"Scanner";
   factory.gsSymbolKey = NonPrintableKeys::kF8;

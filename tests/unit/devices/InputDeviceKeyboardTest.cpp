@@ -68,7 +68,7 @@ TEST_F(InputDeviceKeyboardTest, ListeningOnlyKeepsTheEndByte) {
   EXPECT_EQ(messages_.take(), L"123\r");
 }
 
-TEST_F(InputDeviceKeyboardTest, ListeningOnlyNamesTheKeysWithoutAText) {
+TEST_F(InputDeviceKeyboardTest, ListeningOnlyNamesKeysWithoutText) {
   factory_.listenOnly = true;
   const auto device = factory_.create(messages_.callback());
   ASSERT_TRUE(device);
@@ -136,7 +136,7 @@ INSTANTIATE_TEST_SUITE_P(
                     // Nothing that the host's encoding can say leaves the carriage return.
                     Suffix{L"\x0416", "1\r", L"1"}));
 
-TEST_F(InputDeviceKeyboardTest, OfTheNamesCharactersTheLowByteCounts) {
+TEST_F(InputDeviceKeyboardTest, OnlyTheLowByteOfEachNameCharacterCounts) {
   factory_.keyboardDevice =
       L"\x0153"
       L"canner";
@@ -148,7 +148,7 @@ TEST_F(InputDeviceKeyboardTest, TheNameEndsAtAZero) {
   EXPECT_TRUE(factory_.create(messages_.callback()));
 }
 
-TEST_F(InputDeviceKeyboardTest, WhatTheReceiverThrowsLosesOneMessage) {
+TEST_F(InputDeviceKeyboardTest, AnExceptionFromTheCallbackLosesOneMessage) {
   const DataCallback deliver = messages_.callback();
   bool thrown = false;
   const auto device = factory_.create([&](const std::wstring& data) {
@@ -160,13 +160,13 @@ TEST_F(InputDeviceKeyboardTest, WhatTheReceiverThrowsLosesOneMessage) {
   EXPECT_EQ(messages_.take(), L"2");
 }
 
-TEST_F(InputDeviceKeyboardTest, WithoutAReceiverKeysAreReadAndLost) {
+TEST_F(InputDeviceKeyboardTest, WithoutACallbackKeysAreReadAndDropped) {
   const auto device = factory_.create(DataCallback());
   ASSERT_TRUE(device);
   type(scanner(), "1\r");
 }
 
-TEST_F(InputDeviceKeyboardTest, ADeviceThatCannotBeOpenedIsNone) {
+TEST_F(InputDeviceKeyboardTest, CreateReturnsNullWhenTheDeviceCannotBeOpened) {
   factory_.keyboardDevice = L"No such scanner";
   EXPECT_FALSE(factory_.create(messages_.callback()));
   factory_.keyboardDevice = L"";

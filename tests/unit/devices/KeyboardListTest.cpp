@@ -61,7 +61,7 @@ TEST_F(KeyboardListTest, TellsDevicesApartByTheirNumbers) {
   EXPECT_FALSE(isXInputDeviceEnabled(connection_, ids.back() + 1));
 }
 
-TEST_F(KeyboardListTest, OfALostServerIsEmpty) {
+TEST_F(KeyboardListTest, IsEmptyWhenTheServerIsLost) {
   EXPECT_FALSE(listXInputDevices(connection_).empty());
   server_.kill();
   EXPECT_TRUE(listXInputDevices(connection_).empty());

@@ -55,7 +55,7 @@ class KeyboardMessageTest : public testing::Test {
 constexpr Key kKeyWithoutSymbol{93};
 constexpr int kControlAndShift = ControlMask | ShiftMask;
 
-TEST_F(KeyboardMessageTest, LeavesAKeyWithoutASymbolOut) {
+TEST_F(KeyboardMessageTest, SkipsAKeyWithoutASymbol) {
   int symbols = 0;
   const XOwned<KeySym> symbol(
       XGetKeyboardMapping(connection_.get(), static_cast<KeyCode>(kKeyWithoutSymbol), 1, &symbols));
@@ -73,7 +73,7 @@ TEST_F(KeyboardMessageTest, KeepsTheZeroOfControlWithAt) {
                                                3));
 }
 
-TEST_F(KeyboardMessageTest, WithoutMemoryLosesOneMessageAsAWhole) {
+TEST_F(KeyboardMessageTest, WithoutMemoryLosesExactlyOneMessage) {
   const std::string beginning = "0123456789abcdef0123456789abcdef";
   type(message_, beginning);
   std::size_t typed = 0;
@@ -86,7 +86,7 @@ TEST_F(KeyboardMessageTest, WithoutMemoryLosesOneMessageAsAWhole) {
   EXPECT_EQ(type(message_, "next\r"), "next");
 }
 
-TEST_F(KeyboardMessageTest, LosesAMessageOfWhichTheEndByteFindsNoMemory) {
+TEST_F(KeyboardMessageTest, LosesAMessageWhenThereIsNoMemoryForItsEndByte) {
   factory_.listenOnly = true;
   for (std::size_t length = 1; length < 40; ++length) {
     KeyboardMessage message(factory_, connection_);
@@ -102,7 +102,7 @@ TEST_F(KeyboardMessageTest, LosesAMessageOfWhichTheEndByteFindsNoMemory) {
   }
 }
 
-TEST_F(KeyboardMessageTest, BeginsAnewAfterADrop) {
+TEST_F(KeyboardMessageTest, StartsANewMessageAfterADrop) {
   type(message_, "1");
   message_.drop();
   EXPECT_EQ(type(message_, "2\r"), "2");
@@ -112,7 +112,7 @@ TEST_F(KeyboardMessageTest, BeginsAnewAfterADrop) {
   EXPECT_EQ(type(message_, "4\r"), "4");
 }
 
-TEST_F(KeyboardMessageTest, DropsUpToTheEndOnly) {
+TEST_F(KeyboardMessageTest, DropsOnlyUpToTheEndByte) {
   type(message_, "1");
   message_.dropToEnd();
   EXPECT_EQ(type(message_, "2\r"), std::nullopt);

@@ -197,7 +197,7 @@ TEST_F(KeyboardReturnTest, AnotherKeyboardThatGetsItsNumberIsNotRead) {
   EXPECT_TRUE(message == L"0\r" || message == L"\r");
 }
 
-TEST_F(KeyboardReturnTest, AKeyboardThatAnotherClientGrabsMeanwhileIsReadWhenItIsFree) {
+TEST_F(KeyboardReturnTest, AKeyboardThatAnotherClientGrabsFirstIsReadOnceItIsReleased) {
   plug();
   open();
   unplug();
@@ -221,7 +221,7 @@ TEST_F(KeyboardReturnTest, MayBeClosedWhileItWaits) {
   EXPECT_TRUE(client_.grab(device()));
 }
 
-TEST_F(KeyboardReturnTest, ALaterKeyboardOfTheNameIsLeftAloneWhileThereIsTheFirst) {
+TEST_F(KeyboardReturnTest, ALaterKeyboardOfTheSameNameIsIgnoredWhileTheFirstIsPresent) {
   plug();
   const int first = device();
   open();
@@ -231,7 +231,7 @@ TEST_F(KeyboardReturnTest, ALaterKeyboardOfTheNameIsLeftAloneWhileThereIsTheFirs
   EXPECT_FALSE(client_.grab(first));
 }
 
-TEST_F(KeyboardReturnTest, OfSeveralThatComeBackTheLastIsRead) {
+TEST_F(KeyboardReturnTest, TheLastOfSeveralThatComeBackIsRead) {
   plug();
   open();
   unplug();

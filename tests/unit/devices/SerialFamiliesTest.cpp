@@ -116,11 +116,11 @@ TEST(DeviceFiles, AreThoseWhoseNameBeginsWithThePrefix) {
   }
 }
 
-TEST(DeviceFiles, AnUnknownPrefixHasNone) {
+TEST(DeviceFiles, AreEmptyForAnUnknownPrefix) {
   EXPECT_TRUE(findDeviceFiles("no-device-is-called-this").empty());
 }
 
-TEST(DeviceFiles, ListIsEmptyWhenFindCannotRun) {
+TEST(DeviceFiles, AreEmptyWhenFindCannotRun) {
   const rig::ScopedVariable nowhere("PATH", "/nonexistent");
   EXPECT_TRUE(findDeviceFiles("null").empty());
 }
@@ -173,7 +173,7 @@ class Interruptions {
   struct sigaction before_ = {};
 };
 
-TEST(DeviceFiles, AreAllThereWhenSignalsInterruptTheSearch) {
+TEST(DeviceFiles, AreCompleteWhenSignalsInterruptTheSearch) {
   const SlowFind find;
   const rig::ScopedVariable path("PATH", find.searchPath());
   const Interruptions interruptions;

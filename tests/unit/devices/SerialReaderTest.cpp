@@ -55,7 +55,7 @@ TEST(SerialReader, FinishesThePassUnderWayWhenItIsStopped) {
   EXPECT_EQ(run.messages.count(), 0U);
 }
 
-TEST(SerialReader, LeavesAnEndlessBurst) {
+TEST(SerialReader, StopsDuringAnEndlessBurst) {
   std::filesystem::create_symlink("/dev/zero", kUsb1Path);
   Messages messages;
   InputDeviceComPortFactory factory = usb1();
@@ -72,7 +72,7 @@ TEST(SerialReader, LeavesAnEndlessBurst) {
   EXPECT_EQ(messages.count(), 0U) << "what it had by then is no whole message";
 }
 
-TEST(SerialReader, DropsAMessageThatMemoryIsTooShortForUpToItsEnd) {
+TEST(SerialReader, DropsAMessageUpToItsEndWhenMemoryRunsOut) {
   SerialReading run;
   ASSERT_TRUE(run.reader.open());
   const std::string tooLong(100, 'A');

@@ -75,7 +75,7 @@ TEST_F(XConnectionTest, PassesOnTheErrorsOfOthers) {
   EXPECT_EQ(hostErrors, 1);
 }
 
-TEST_F(XConnectionTest, PutsItsHandlersOnTopAtEachOpening) {
+TEST_F(XConnectionTest, InstallsItsHandlersOnTopAtEachOpening) {
   const XConnection first = XConnection::open();
   belowToolkit = XSetErrorHandler(countToolkitError);
   const XConnection second = XConnection::open();

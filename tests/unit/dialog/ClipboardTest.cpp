@@ -159,7 +159,7 @@ TEST_F(Clipboard, RefusesOtherForms) {
   EXPECT_FALSE(requestor.ask("image/png"));
 }
 
-TEST_F(Clipboard, RefusesWhatWasAskedBeforeItsTime) {
+TEST_F(Clipboard, RefusesRequestsDatedBeforeItsOwnership) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_timestamp_t since = timestampOf(requestor);
@@ -193,7 +193,7 @@ TEST_F(Clipboard, RefusesSeveralRequestsWithoutAList) {
 }
 
 // Programs older than the conventions.
-TEST_F(Clipboard, NamesThePropertyWhereTheRequestDoesNot) {
+TEST_F(Clipboard, ChoosesThePropertyWhenTheRequestNamesNone) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
   const xcb_atom_t utf8 = requestor.atom("UTF8_STRING");
@@ -221,7 +221,7 @@ TEST_F(Clipboard, OutlivesARequestorThatVanishes) {
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
 }
 
-TEST_F(Clipboard, KeepsTheTextWhereAnotherDoesNotFit) {
+TEST_F(Clipboard, KeepsTheTextWhenANewOneIsTooLong) {
   ASSERT_TRUE(clip::set_text("text"));
   EXPECT_FALSE(clip::set_text(std::string(64 << 20, 'x')));
   Requestor requestor;

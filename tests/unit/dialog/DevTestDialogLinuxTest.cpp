@@ -53,7 +53,7 @@ TEST(DevTestDialog, DropsAMessageWithoutAWindow) {
   EXPECT_FALSE(g_main_context_pending(nullptr));
 }
 
-TEST(DevTestDialog, TakesNoNoticeOfAnEmptyMessage) {
+TEST(DevTestDialog, IgnoresAnEmptyMessage) {
   Dialog dialog = dialogIn(true);
   dialog.OnInput(L"COM1", L"");
   EXPECT_FALSE(g_main_context_pending(nullptr));

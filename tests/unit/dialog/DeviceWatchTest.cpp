@@ -54,7 +54,7 @@ TEST_F(DeviceWatchTest, NoticesPortsOfEveryFamily) {
   EXPECT_THAT(ports_, ElementsAre(1, 64, 67, 329));
 }
 
-TEST_F(DeviceWatchTest, TakesNoOtherFileForAPort) {
+TEST_F(DeviceWatchTest, IgnoresFilesThatAreNotPorts) {
   const DeviceWatch watch([this](std::uint32_t port) { ports_.push_back(port); }, [] {});
   for (const char* const name : {"ttyS64", "ttyACM64", "ttyUSB", "ttyUSB1x", "ttyUSB-1", "ttyX0",
                                  "xttyS0", "ttyS99999", "ttyS4294967296", "ttyUSB7"}) {
@@ -87,7 +87,7 @@ TEST_F(DeviceWatchTest, NoticesKeyboards) {
   await("another", [this] { return keyboardChanges_ > 0; });
 }
 
-TEST_F(DeviceWatchTest, GoesOnWhenACallFails) {
+TEST_F(DeviceWatchTest, GoesOnWhenACallbackThrows) {
   const DeviceWatch watch(
       [this](std::uint32_t port) {
         ports_.push_back(port);

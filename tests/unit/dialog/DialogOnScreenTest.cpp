@@ -72,7 +72,7 @@ TEST_F(DialogOnScreen, ListsAFloodInOrderPerSource) {
   });
 }
 
-TEST_F(DialogOnScreen, DropsWhatComesAfterTheWindow) {
+TEST_F(DialogOnScreen, DropsScansAfterTheWindowIsClosed) {
   inOwnProcess([] {
     DevTestDialogLinux dialog({}, {}, false, kBase64);
     rig::whileTestWindowIsOpen([&] { dialog.ShowDlg(); }, [](TestWindow&) {});

@@ -93,7 +93,7 @@ TEST(LoneKeys, RefuseAScanWhileAltIsHeld) {
   }
 }
 
-TEST(LoneKeys, AreFoundWhereTheTimeWrapsAround) {
+TEST(LoneKeys, AreFoundWhenTheTimeWrapsAround) {
   LoneKeys far;
   far.note(press(0xFFFFFFFF, kOther));
   EXPECT_TRUE(far.note(press(60)));

@@ -33,7 +33,7 @@ TEST(RowQueue, NeverShowsARowOnTheThreadThatPushesIt) {
 }
 
 // More rows than are shown in one go, while they still come.
-TEST(RowQueue, LosesNoneOfManyRowsFromManyThreads) {
+TEST(RowQueue, LosesNoRowFromManyThreads) {
   constexpr int kThreads = 8;
   constexpr int kRows = 250;
   std::vector<int> next(kThreads, 0);

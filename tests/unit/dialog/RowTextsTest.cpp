@@ -51,7 +51,7 @@ TEST(DataCell, TakesAnUnknownTypeForText) {
   EXPECT_EQ(dataCell(L"MTIzDQ==", -1), "123 'CR' ");
 }
 
-TEST(DataCell, HoldsAThousandAndTwentyThreeBytes) {
+TEST(DataCell, HoldsUpTo1023Bytes) {
   const std::string whole(1023, 'x');
   EXPECT_EQ(dataCell(base64Of(whole), kText), whole);
   EXPECT_EQ(dataCell(base64Of(whole + "x"), kText), whole);
@@ -64,7 +64,7 @@ TEST(DataCell, IsCutAfterAWholeCharacter) {
   EXPECT_EQ(dataCell(base64Of(repeated("😀", 300)), kText), repeated("😀", 255));
 }
 
-TEST(DataCell, LeavesOutWhatIsNoUtf8) {
+TEST(DataCell, SkipsInvalidUtf8) {
   EXPECT_EQ(dataCell(base64Of("a\xFF\xC0z"), kText), "az");
   EXPECT_EQ(dataCell(base64Of("\xFF"), kText), "");
 }

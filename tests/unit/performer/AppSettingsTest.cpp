@@ -94,7 +94,7 @@ TEST_F(AppSettingsTest, ALaterValueReplacesAnEarlierOne) {
   EXPECT_EQ(AppSettings::value(L"Twice", rig::numberVariant(0)).intValue, 0);
 }
 
-TEST_F(AppSettingsTest, OfAStringOnlyThePointerIsKept) {
+TEST_F(AppSettingsTest, OnlyThePointerOfAStringIsKept) {
   const std::u16string text = u"text";
   AppSettings::setValue(L"text", rig::textVariant(text.c_str()));
   const tVariant value = AppSettings::value(L"text", rig::numberVariant(0));

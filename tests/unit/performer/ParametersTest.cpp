@@ -150,7 +150,7 @@ TEST_F(ParametersTest, HaveTheirDefaults) {
   EXPECT_EQ(snapshotOf(performer), kDefaults);
 }
 
-TEST_F(ParametersTest, AreFifteen) {
+TEST_F(ParametersTest, ThereAreFifteen) {
   const OpenPerformer performer;
   std::set<std::wstring> names, expected;
   for (const auto& [name, setter] : performer.settings_->setters) names.insert(name);
@@ -201,7 +201,7 @@ TEST_F(ParametersTest, AStringLeavesTheSpeedAt9600) {
   EXPECT_EQ(after(L"Speed", textVariant(u"19200")), kDefaults);
 }
 
-TEST_F(ParametersTest, ACharacterCodeGivesAStringAndMinusOneAnEmptyOne) {
+TEST_F(ParametersTest, ACharacterCodeGivesOneCharacterAndMinusOneNone) {
   EXPECT_EQ(after(L"Prefix", numberVariant(-1)).at("keyboard prefix"), L"");
   EXPECT_EQ(after(L"Prefix", numberVariant(2)).at("keyboard prefix"), L"\x02");
   EXPECT_EQ(after(L"Prefix", numberVariant(0)).at("keyboard prefix"), L"\0"s);

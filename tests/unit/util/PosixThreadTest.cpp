@@ -58,7 +58,7 @@ TEST(PosixThread, RunsTheFunctionOnAThreadOfItsOwn) {
   EXPECT_FALSE(pthread_equal(runner, pthread_self()));
 }
 
-TEST(PosixThread, BlocksAsynchronousSignalsButNoFaults) {
+TEST(PosixThread, BlocksAsynchronousSignalsButNotFaults) {
   sigset_t inside;
   sigemptyset(&inside);
   PosixThread thread;
@@ -97,7 +97,7 @@ TEST(PosixThread, HasTheDefaultStackUnlessToldOtherwise) {
   EXPECT_GT(stackSize(0), 8 * kSmallStack);
 }
 
-TEST(PosixThread, HasTheDefaultStackWhereTheSystemRefusesASmallOne) {
+TEST(PosixThread, HasTheDefaultStackWhenTheSystemRefusesASmallOne) {
   EXPECT_GT(stackSize(1), 8 * kSmallStack);
 }
 
@@ -160,7 +160,7 @@ TEST(PosixThread, GoesOnAloneWhenItJoinsItself) {
   EXPECT_EQ(joining.thread, nullptr);
 }
 
-TEST(PosixThread, SaysThatItCannotBeCreated) {
+TEST(PosixThread, ReportsThatItCannotBeCreated) {
   sigset_t before, after;
   pthread_sigmask(SIG_SETMASK, nullptr, &before);
   const ImpossibleThreads impossible;

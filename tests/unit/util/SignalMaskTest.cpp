@@ -13,7 +13,7 @@ bool blocks(int number) {
   return sigismember(&mask, number) == 1;
 }
 
-TEST(SignalMask, OfEveryAsynchronousSignalLeavesOutTheFaults) {
+TEST(SignalMask, AsynchronousHasEverySignalButTheFaults) {
   const sigset_t mask = SignalMask::asynchronous().get();
   for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGALRM, SIGCHLD, SIGRTMIN}) {
     EXPECT_EQ(sigismember(&mask, number), 1) << number;
@@ -23,7 +23,7 @@ TEST(SignalMask, OfEveryAsynchronousSignalLeavesOutTheFaults) {
   }
 }
 
-TEST(SignalMask, OfTheThreadIsItsOwnWithoutTheFaults) {
+TEST(SignalMask, CurrentIsTheMaskOfTheThreadWithoutTheFaults) {
   sigset_t blocked, before;
   sigemptyset(&blocked);
   sigaddset(&blocked, SIGUSR2);

@@ -184,7 +184,7 @@ TEST(WcharWrapper, HoldsCopies) {
   EXPECT_EQ(ofShort.shortText(), u"abc"s);
 }
 
-TEST(WcharWrapper, OfANullTextHoldsTwoNulls) {
+TEST(WcharWrapper, HoldsTwoNullsForANullText) {
   const WcharWrapper ofWide(static_cast<const wchar_t*>(nullptr));
   EXPECT_EQ(ofWide.wideText(), nullptr);
   EXPECT_EQ(ofWide.shortText(), nullptr);
@@ -193,7 +193,7 @@ TEST(WcharWrapper, OfANullTextHoldsTwoNulls) {
   EXPECT_EQ(ofShort.shortText(), nullptr);
 }
 
-TEST(WcharWrapper, OfAnEmptyTextHoldsTwoEmptyTexts) {
+TEST(WcharWrapper, HoldsTwoEmptyTextsForAnEmptyText) {
   const WcharWrapper ofWide(L"");
   EXPECT_EQ(ofWide.wideText(), L""s);
   EXPECT_EQ(ofWide.shortText(), u""s);
