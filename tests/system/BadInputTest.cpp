@@ -47,7 +47,7 @@ void expectWorking(SerialDriver& driver) {
   driver.lines.clear();
 }
 
-// A variant of a type whose other bytes make no sense, whatever they are taken for.
+// A variant whose bytes other than the type code make no sense as any type.
 tVariant hostile(std::uint16_t type) {
   tVariant variant;
   std::memset(&variant, 0x5A, sizeof variant);
@@ -294,7 +294,7 @@ TEST(BadInput, AComponentBeforeInit) {
   component->Done();
 }
 
-// A memory manager without memory, whose result and pointer need not agree.
+// A memory manager that is out of memory; its result and its pointer may contradict each other.
 struct NoMemory : IMemoryManager {
   NoMemory(bool reportsSuccess, bool leavesPointer)
       : reportsSuccess_(reportsSuccess), leavesPointer_(leavesPointer) {}
@@ -367,7 +367,7 @@ TEST(BadInput, AHostThatTakesNoEvents) {
   terminal::EventQueue events;
   Deaf connection(events);
   SerialDriver driver;
-  // The host's refusal is the component's, which works all the same.
+  // Init passes the refusal on, but the component works.
   EXPECT_FALSE(driver.component.object().Init(&connection));
   SerialLine& line = driver.plugIn(kUsb1);
   driver.open(kUsb1);

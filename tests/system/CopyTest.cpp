@@ -22,7 +22,7 @@ using rig::visitWindow;
 
 using Copy = rig::OnScreen;
 
-// Another program, which has taken the clipboard and holds it until it is taken from it.
+// Another program, which takes the clipboard and holds it until someone else takes it.
 class Taker {
  public:
   explicit Taker(const std::string& text)

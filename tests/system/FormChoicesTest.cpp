@@ -98,8 +98,8 @@ TEST(FormChoices, EachOutputDataTypeConvertsTheData) {
   }
 }
 
-// A host process with a line of its own, /dev/ttyUSB`number`. To close a port takes a second; hosts
-// do so side by side.
+// A host process with a line of its own, /dev/ttyUSB`number`. Closing a port may take a second, so
+// hosts close theirs in parallel.
 class Host {
  public:
   // Listens with one setting until it has received `scans` scans.

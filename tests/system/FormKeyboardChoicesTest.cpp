@@ -57,7 +57,7 @@ TEST_F(FormKeyboardChoices, EachKeyboardOpensAsItIsListed) {
 }
 
 TEST_F(FormKeyboardChoices, EachKeyBecomesTheGroupSeparator) {
-  // In the order of the choices, the first of which is no key.
+  // In the order of the choices, the first of which stands for "no key".
   const Key keys[] = {
       Key::kF1,       Key::kF2,       Key::kF3,         Key::kF4,  Key::kF5,     Key::kF6,
       Key::kF7,       Key::kF8,       Key::kF9,         Key::kF10, Key::kF11,    Key::kF12,

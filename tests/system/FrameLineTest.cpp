@@ -1,4 +1,4 @@
-// The script that frames a line must make of any line what the tests call framed.
+// The script that frames lines must bring any line into the state that the tests call framed.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <termios.h>
@@ -33,7 +33,7 @@ TEST_P(FrameLine, MakesAnyLineFramed) {
   ASSERT_EQ(rig::run({rig::frameLinePath(), line.port()}).code, 0);
   const termios expected = settingOf(framed);
   const termios actual = settingOf(line);
-  // What decides about input; a line that had been raw keeps its raw output.
+  // Compares only the input settings: a line that had been raw keeps its raw output.
   constexpr tcflag_t kInput =
       ICRNL | INLCR | IGNCR | IXON | IXOFF | ISTRIP | BRKINT | INPCK | PARMRK;
   constexpr tcflag_t kLocal = ICANON | ECHO | ECHONL | ISIG | IEXTEN;
@@ -49,18 +49,18 @@ INSTANTIATE_TEST_SUITE_P(Lines, FrameLine,
                          testing::Values(LineSetting::kFramed, LineSetting::kRaw,
                                          LineSetting::kCooked));
 
-// The end byte of a scan, as the script knows it, and a scan with that end.
+// The name of an end byte, as the script takes it, and a scan that ends with it.
 struct EndByte {
   const char* name;
   std::string scan;
 };
 
-// Without it GoogleTest shows the bytes of the object, some of which are never set.
+// Without it GoogleTest prints the bytes of the object, including uninitialized padding.
 void PrintTo(const EndByte& end, std::ostream* output) { *output << end.name; }
 
 class FrameLineEnd : public testing::TestWithParam<EndByte> {};
 
-// What a read of a large buffer gets of a framed line is one scan, however much has come.
+// A read from a framed line returns one scan, however large the buffer and however much has come.
 std::string nextScan(int port) {
   char bytes[64];
   const ssize_t count = read(port, bytes, sizeof bytes);

@@ -1,4 +1,4 @@
-// quorvel-host as its user meets it.
+// quorvel-host as its users run it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -93,7 +93,7 @@ TEST(HostTool, ListenPrintsALineForEachScan) {
   EXPECT_THAT(host.listening, StartsWith("listening as InputDevice#1"));
   const std::string start = "[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{3}  InputDevice#1  Штрихкод  ";
   EXPECT_THAT(host.scan("4600051000057\r"), MatchesRegex(start + "4600051000057"));
-  // Control characters show as their pictures.
+  // Control characters are shown as control pictures.
   EXPECT_THAT(host.scan("]d201\x1D"
                         "21Ж\x7F\r"),
               MatchesRegex(start + "]d201␝21Ж␡"));
@@ -116,7 +116,7 @@ TEST(HostTool, ListenPrintsJson) {
   EXPECT_EQ(event["source"], "InputDevice#1");
   EXPECT_EQ(event["event"], "Штрихкод");
   EXPECT_EQ(event["data"], "\"Ж\\\x1D\x01");
-  // What is no UTF-8 does not reach the text, nor break the line.
+  // Invalid UTF-8 is left out of the text and does not break the line.
   EXPECT_EQ(host.scanned("1\xFF"
                          "2\r")["data"],
             "12");
@@ -278,7 +278,7 @@ TEST(HostTool, HelpOfListenNamesTheParametersOfTheForm) {
   EXPECT_THAT(help, HasSubstr("parameters of --set"));
   EXPECT_THAT(help, HasSubstr("  Suffix: Suffix (number, by default 13)"));
   EXPECT_THAT(help, HasSubstr("    * 9600\n"));
-  // Without a library the help is all but that.
+  // Without a library the help lacks only the parameters.
   const Ending without =
       rig::run(hostWords({"--library", "/dev/null", "help", "listen"}), kEnglish);
   EXPECT_EQ(without.code, 0);

@@ -1,4 +1,4 @@
-// What hosts do in the event of a keyboard's scan, on the reader's own thread.
+// What hosts do in the event of a keyboard scan, on the reader's thread.
 #include <gtest/gtest.h>
 #include <sys/time.h>
 
@@ -81,7 +81,7 @@ TEST_F(KeyboardCallbacksTest, DestroyTheirComponent) {
   EXPECT_EQ(nextEvent().data, u"act");
   rig::awaitThreadCount(threads_);
   EXPECT_EQ(events_.take(std::chrono::milliseconds(0)), std::nullopt);
-  // The library, unloaded with the component, takes descriptors of its own along.
+  // The library is unloaded with the component and closes descriptors of its own.
   EXPECT_LE(rig::descriptorCount(), descriptors_);
 }
 
@@ -96,7 +96,7 @@ TEST_F(KeyboardCallbacksTest, EndTheirThread) {
   EXPECT_EQ(nextEvent().source, again);
 }
 
-// With a timer that fires every millisecond, and whose handler lets system calls be interrupted.
+// A timer fires every millisecond, and its handler is installed without SA_RESTART.
 TEST_F(KeyboardCallbacksTest, LoseNothingWhenSignalsInterruptTheHost) {
   rig::inOwnProcess([this] {
     struct sigaction interrupt = {};

@@ -1,4 +1,4 @@
-// What may happen to an X server while a keyboard is open must not happen to the host.
+// Whatever happens to the X server while a keyboard is open, the host must survive.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -26,8 +26,8 @@ class KeyboardFaultsTest : public testing::Test {
   rig::XServer server_{{"Scanner", "Keys"}};
 };
 
-// Gives the focus to one window after another, each in a window of another process, and closes
-// them under whoever looks at them.
+// Focuses one window after another, each a child of another process's window, and closes them while
+// the driver may be querying them.
 class Restlessness {
  public:
   explicit Restlessness(const std::string& display) : client_(display) {}
@@ -60,7 +60,7 @@ class Restlessness {
 TEST_F(KeyboardFaultsTest, NoKeyIsLostToWindowsThatComeAndGo) {
   constexpr int kScans = 250;
   constexpr unsigned kWindows = 100;
-  const std::string text = "0123456789abcdefghi";  // with its Return twenty keys
+  const std::string text = "0123456789abcdefghi";  // twenty keys, counting Return
   Driver driver;
   driver.openKeyboard(u"Scanner");
   const Restlessness restlessness(server_.display());
@@ -93,7 +93,7 @@ TEST_F(KeyboardFaultsTest, ADisabledKeyboardIsReadAgainWhenItIsEnabled) {
   EXPECT_EQ(driver.event().data, u"1");
 }
 
-// To ungrab it would end the server.
+// Ungrabbing it would crash the server.
 TEST_F(KeyboardFaultsTest, ClosingADisabledKeyboardDoesNotEndTheServer) {
   XClient client(server_.display());
   Driver driver;
@@ -126,7 +126,7 @@ TEST_F(KeyboardFaultsTest, ADyingServerEndsTheReadersButNotTheHost) {
   rig::await("the readers' end", [&] { return rig::threadCount() == threads; });
   EXPECT_TRUE(driver.component.close(first));
   EXPECT_THROW(driver.openKeyboard(u"Scanner"), std::runtime_error);
-  // The other is left to the component's end.
+  // The other device is left for the component to close.
 }
 
 TEST_F(KeyboardFaultsTest, AnotherServerServesAfterOneHasDied) {
@@ -141,7 +141,7 @@ TEST_F(KeyboardFaultsTest, AnotherServerServesAfterOneHasDied) {
   EXPECT_TRUE(driver.component.close(lost));
 }
 
-// The host's own errors stay the host's.
+// Errors on the host's own display must reach the host's handler.
 std::atomic<int> errorsOfTheHost = 0;
 
 TEST_F(KeyboardFaultsTest, ErrorsOfOtherDisplaysReachTheEarlierHandler) {

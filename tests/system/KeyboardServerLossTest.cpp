@@ -26,7 +26,7 @@ constexpr std::chrono::milliseconds kMoment{1};
 // What a test does with a driver whose X server is about to die.
 using Operation = std::function<void(std::unique_ptr<Driver>&, XProxy&)>;
 
-// Opens the scanner; none when that fails.
+// Opens the scanner; empty when that fails.
 std::optional<std::u16string> openScanner(Component& component) {
   component.setParameter(u"Port", 0);
   component.setParameter(u"KeyboardDevice", u"Scanner");
@@ -74,7 +74,7 @@ class KeyboardServerLossTest : public testing::Test {
     operation(driver, proxy);
   }
 
-  // Another connection of the same process, open all the while, goes on undisturbed.
+  // Another connection of the same process, open all along, must still work.
   void expectServed() {
     type(server_.keyboard(1), "1\r");
     EXPECT_EQ(other_.event().data, u"1");

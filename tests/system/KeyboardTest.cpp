@@ -183,7 +183,7 @@ TEST_F(KeyboardTest, AMessageMayTakeSeconds) {
   rig::countKeysLookedAt();
   type(scanner(), "12");
   ASSERT_TRUE(rig::awaitKeysLookedAt(4));
-  // There is nothing to wait for: it is the time itself that must not matter.
+  // Nothing to await here: the test is that elapsed time does not matter.
   std::this_thread::sleep_for(std::chrono::seconds(3));
   type(scanner(), "3\r");
   EXPECT_EQ(driver.event().data, u"123");
@@ -255,12 +255,12 @@ TEST_F(KeyboardTest, WithoutADisplayNothingCanBeOpened) {
   setenv("DISPLAY", server_->display().c_str(), 1);
 }
 
-// Where the focus is, decides whether a key counts.
+// The focus decides whether a key counts.
 class KeyboardFocusTest : public KeyboardTest {
  protected:
   void SetUp() override { driver_.openKeyboard(u"Scanner"); }
 
-  // A scan that is read, and looked at to its last key.
+  // Scans, and waits until the driver has handled the last key of the scan.
   void expectRead() {
     rig::countKeysLookedAt();
     type(scanner(), "0\r");
@@ -268,7 +268,7 @@ class KeyboardFocusTest : public KeyboardTest {
     EXPECT_TRUE(rig::awaitKeysLookedAt(4));
   }
 
-  // Whether keys typed now are read. They are looked at before the focus moves on.
+  // Whether keys typed now are read. The driver handles them before the focus moves on.
   bool isRead() {
     rig::countKeysLookedAt();
     type(scanner(), "1");
@@ -372,7 +372,7 @@ TEST_F(KeyboardTest, ManyOpeningsAndClosingsLeaveNothingBehind) {
     EXPECT_EQ(driver.event().data, u"1");
     EXPECT_TRUE(driver.component.close(id));
   };
-  // Libraries allocate once what they keep.
+  // Warm up: libraries allocate caches once.
   for (int i = 0; i < 20; ++i) cycle();
   const std::size_t threads = rig::threadCount();
   const std::size_t descriptors = rig::descriptorCount();

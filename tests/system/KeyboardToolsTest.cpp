@@ -89,7 +89,7 @@ TEST_F(KeyboardToolsTest, SaysWhatIsMissing) {
 TEST_F(KeyboardToolsTest, TheHostPrintsWhatIsTyped) {
   Program host({rig::hostPath(), "--library", rig::libraryPath(), "listen", "--keyboard", "Scanner",
                 "--json", "--count", "2"});
-  host.errorLine();  // it listens
+  host.errorLine();  // it is listening
   terminal::type(server_.keyboard(0), "4600051000057\r");
   EXPECT_EQ(nlohmann::json::parse(host.line())["data"], "4600051000057");
   terminal::type(server_.keyboard(0), "2\r");

@@ -1,4 +1,4 @@
-// The model of the line discipline, against the kernel's own.
+// The model of the line discipline, compared with the kernel's.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -22,19 +22,19 @@ using terminal::LineSetting;
 using terminal::SerialLine;
 using terminal::throughLine;
 
-// A line whose reader is the test.
+// A line that the test itself reads.
 struct KernelLine : SerialLine {
   explicit KernelLine(LineSetting kind) : SerialLine(kind) {
     tcgetattr(reader.get(), &setting);
-    // An echo would come back to the sender, who does not read it.
+    // An echo would come back to the sender, which does not read it.
     setting.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     set();
   }
 
   void set() { tcsetattr(reader.get(), TCSANOW, &setting); }
 
-  // Bytes with a last line behind them by which the reader knows that all have arrived: a pseudo
-  // terminal hands them on in its own time.
+  // The bytes and a last line, which tells the reader that all have arrived: a pseudo terminal
+  // hands them on asynchronously.
   std::string ended(const std::string& bytes) const {
     const bool isCanonical = (setting.c_lflag & ICANON) != 0;
     const cc_t end =
@@ -42,7 +42,7 @@ struct KernelLine : SerialLine {
     return bytes + "\r\n" + kLast + (isCanonical ? std::string(1, static_cast<char>(end)) : "");
   }
 
-  // What the kernel hands over of the bytes, each line as one entry.
+  // What the kernel makes of the bytes, one entry for each line.
   std::vector<std::string> handsOver(const std::string& bytes) {
     send(bytes);
     std::vector<std::string> lines;
@@ -58,13 +58,13 @@ struct KernelLine : SerialLine {
     return {std::accumulate(lines.begin(), lines.end(), std::string())};
   }
 
-  static constexpr char kLast[] = "##";  // in no scan of these tests
+  static constexpr char kLast[] = "##";  // occurs in no scan of these tests
 
   quorvel::FileDescriptor reader{::open(port().c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK)};
   termios setting;
 };
 
-// Bytes among which those that a line acts on are frequent.
+// Random bytes, among them many that a line acts on.
 std::string randomBytes(std::mt19937& random) {
   static const std::string kSpecial =
       "\r\n\r\n\x03\x04\x08\x11\x13\x15\x16\x17\x1A\x1C\x7F\xFF abc_";
@@ -73,7 +73,7 @@ std::string randomBytes(std::mt19937& random) {
     bytes += random() % 2 ? kSpecial[random() % kSpecial.size()]
                           : static_cast<char>('A' + random() % 26);
   }
-  // A character that makes the next one literal would reach into the next scan.
+  // At the end, a character that makes the next one literal would affect the next scan.
   if (bytes.back() == '\x16') bytes += 'x';
   return bytes;
 }
@@ -99,7 +99,7 @@ std::vector<std::size_t> lengthsOf(const std::vector<std::string>& lines) {
 TEST_P(LineModel, CutsAScanWhereTheKernelDoes) {
   KernelLine line(GetParam());
   for (const std::size_t length : {4094U, 4095U, 4096U, 5000U}) {
-    if (GetParam() == LineSetting::kRaw) continue;  // keeps nothing but what its queue holds
+    if (GetParam() == LineSetting::kRaw) continue;  // a raw line keeps no more than its queue holds
     const std::string bytes = line.ended(std::string(length, 'x') + "y");
     EXPECT_EQ(lengthsOf(throughLine(line.setting, bytes).available),
               lengthsOf(line.handsOver(bytes)))

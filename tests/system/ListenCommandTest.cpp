@@ -44,7 +44,7 @@ struct Scanner : SerialLine {
   }
 };
 
-// A link in a folder that a udev rule would make.
+// A link like those that udev rules make.
 struct StableLink {
   explicit StableLink(const std::string& target) {
     fs::create_directories(fs::path(path).parent_path());
@@ -154,7 +154,7 @@ TEST(ListenCommand, SaysWhenTheDeviceGoes) {
   }
 }
 
-// The component's own text: a process starts Russian. Beneath it stands what it does not tell.
+// The component's own text, in Russian because a process starts so. The tool's diagnosis follows.
 const std::string kComponentText =
     "quorvel-host: Ошибка подключения. Проверьте доступность устройства.\n";
 

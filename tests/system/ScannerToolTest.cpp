@@ -1,4 +1,4 @@
-// quorvel-scanner as its user meets it, read by the driver or by the test itself.
+// quorvel-scanner as its users run it, read by the driver or by the test itself.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ const std::string kUsb1Path = "/dev/ttyUSB0";
 const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}};
 const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}};
 
-// As fast as it goes.
+// As fast as possible.
 const Words kFast = {"--rate", "1000000"};
 
 Words scannerWords(const Words& more, const Words& before = {}) {
@@ -146,7 +146,7 @@ TEST(ScannerTool, ALineFeedAfterTheCarriageReturn) {
 }
 
 TEST(ScannerTool, NoSuffix) {
-  // The empty text is no end of the texts, though there is nothing to send.
+  // An empty text, though there is nothing to send, does not end the list of texts.
   Scanner scanner({"--line", "raw", "--suffix", "", "", "123"});
   Device device(-1);
   device.expect({"123"});
@@ -197,7 +197,7 @@ TEST(ScannerTool, ASlowLineLosesNothingWhenItIsFramed) {
   scanner.unplug();
 }
 
-// The bytes of the scanner as they stand in the port.
+// The scanner's bytes as read straight from the port.
 std::string readPort(std::size_t count) {
   const quorvel::FileDescriptor port(::open(kUsb1Path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC));
   std::string bytes;
@@ -213,7 +213,7 @@ TEST(ScannerTool, DoesNotWaitForAReaderWhenToldNotTo) {
 }
 
 TEST(ScannerTool, SeveralScansInOneWrite) {
-  // The rate is of writes: at one in a minute and more, what comes is the first write.
+  // The rate counts writes. At less than one a minute, only the first write comes.
   Scanner scanner(
       {"--rate", "0.01", "--burst", "3", "--line", "raw", "--suffix", "10", "1", "2", "3", "4"});
   Device device(10);
@@ -238,7 +238,7 @@ struct Refusal {
   const char* russian;
 };
 
-// Each in one line, whose end stands here.
+// Each is one line, of which the end is given here.
 const Refusal kRefusals[] = {
     {{}, 2, "a command is missing (see --help)", "нет команды (см. --help)"},
     {{"parallel"},
@@ -316,7 +316,8 @@ TEST(ScannerTool, SaysInOneLineWhatIsWrong) {
       const Ending ending = rig::run(words, locale);
       EXPECT_EQ(ending.code, refusal.code) << text;
       EXPECT_EQ(ending.output, "");
-      // Only a file that opens and cannot be read is noticed after the plugging in.
+      // Other lines may precede it only for a file that opens but cannot be read: the tool notices
+      // that after plugging in.
       const std::string line = std::string("quorvel-scanner: ") + text + "\n";
       EXPECT_TRUE(ending.errors == line || (ending.code == 1 && ending.errors.ends_with(line)))
           << ending.errors;
@@ -364,7 +365,7 @@ TEST(ScannerTool, SaysWhereItIsPluggedIn) {
 }
 
 TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
-  // A multiplexer that opens and is none: the step after the opening fails.
+  // A file that opens but is not a multiplexer: the step after opening fails.
   const std::filesystem::path multiplexer = "/dev/ptmx";
   const std::filesystem::path real = std::filesystem::read_symlink(multiplexer);
   std::filesystem::remove(multiplexer);
@@ -376,7 +377,7 @@ TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
   std::filesystem::create_symlink(real, multiplexer);
 }
 
-// A scanner whose line is full waits for its reader at rest.
+// With a full line, a scanner must sleep until somebody reads, and not poll.
 TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenSleeps) {
   terminal::SerialLine line(terminal::LineSetting::kRaw);
   // The line hangs up when its last reader leaves.
@@ -387,7 +388,7 @@ TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenSleeps) {
   const pid_t sender = rig::threadAddedBy(
       [&] { sending.emplace([&] { sent = line.send(std::string(1000000, 'x'), cancel); }); });
   const long long before = rig::restsOf(sender);
-  rig::await("the sender at rest", [&] { return rig::restsOf(sender) > before + 10; });
+  rig::await("a sleeping sender", [&] { return rig::restsOf(sender) > before + 10; });
   eventfd_write(cancel, 1);
   sending->join();
   EXPECT_FALSE(sent);

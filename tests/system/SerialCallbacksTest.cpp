@@ -1,4 +1,4 @@
-// What hosts do in the event of a scan, on the reader's own thread.
+// What hosts do in the event of a scan, on the reader's thread.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -23,7 +23,7 @@ using terminal::SerialLine;
 
 constexpr std::int32_t kUsb1 = 129;
 
-// Lets an action begin only when the test has done its part: a component is used on one thread at a
+// Holds an action back until the test has done its part: a component is used on one thread at a
 // time.
 class Turn {
  public:
@@ -39,7 +39,7 @@ class Turn {
   std::binary_semaphore allowed_{0};
 };
 
-// A driver whose events go through such a connection.
+// A driver whose events go through an acting connection.
 struct ActingDriver : SerialDriver {
   explicit ActingDriver(std::function<void()> action)
       : connection(acted, turn.before(std::move(action))) {
@@ -69,7 +69,7 @@ TEST(SerialCallbacks, ClosesItsOwnDevice) {
     driver = &acting;
     SerialLine& line = acting.plugIn(kUsb1);
     id = acting.open(kUsb1);
-    // The second scan waits already when the device is closed.
+    // The second scan is already waiting when the device is closed.
     line.send("act\rtoo late\r");
     acting.turn.allow();
     EXPECT_EQ(acting.nextEvent().data, u"act");
@@ -174,9 +174,9 @@ TEST(SerialCallbacks, RunWithTheSignalMaskOfTheThreadThatOpened) {
   EXPECT_FALSE(usr1);
   EXPECT_TRUE(usr2);
   EXPECT_FALSE(fault);
-  // The next event is over when the device waits again, deaf to signals but not to faults.
+  // After the next event the reader waits again, with signals blocked but not faults.
   driver.nextEvent();
-  rig::await("a deaf reader", [reader] { return rig::blocks(reader, SIGUSR1); });
+  rig::await("the reader to block signals", [reader] { return rig::blocks(reader, SIGUSR1); });
   EXPECT_FALSE(rig::blocks(reader, SIGSEGV));
 }
 
@@ -196,7 +196,7 @@ TEST(SerialCallbacks, FaultIntoTheHostsOwnHandler) {
   sigaction(SIGFPE, &before, nullptr);
 }
 
-// With a timer that fires every millisecond, and whose handler lets system calls be interrupted.
+// A timer fires every millisecond, and its handler is installed without SA_RESTART.
 TEST(SerialCallbacks, LoseNothingWhenSignalsInterruptTheHost) {
   rig::inOwnProcess([] {
     struct sigaction interrupt = {};

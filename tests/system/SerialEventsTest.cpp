@@ -1,4 +1,4 @@
-// What the host is told of a scan: whose it is, what it is called, and its data.
+// The event that the host gets for a scan: its source, its name and its data.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -27,7 +27,7 @@ const std::u16string kScanner = u"СканерШтрихкода";
 const std::u16string kInputDevice = u"УстройствоВвода";
 const std::u16string kCardReader = u"СчитывательМагнитныхКарт";
 
-// What is raised for one scan by a device that was opened with an equipment and a data type.
+// The event that one scan raises from a device that was opened with an equipment and a data type.
 struct Raised {
   std::u16string equipment;
   std::int32_t dataType;
@@ -49,7 +49,7 @@ const Raised kRaised[] = {
     {kCardReader, rig::kDataText, u"ДанныеКарты", u"TrackData", kText},
     {kCardReader, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
     {kCardReader, rig::kDataBase64, u"ДанныеКартыBase64", u"TrackDataBase64", kEncoded},
-    // Other data types are texts, and the name is that of the bits of both types together.
+    // Any other data type means text, and the event name follows from the bitwise or of both codes.
     {kScanner, 3, u"Штрихкод", u"Barcode", kText},
     {kScanner, 16, u"Штрихкод", u"Barcode", kText},
     {kScanner, 18, u"ШтрихкодBase64", u"BarcodeBase64", kText},
@@ -62,8 +62,8 @@ const Raised kRaised[] = {
     {kCardReader, -1, u"Штрихкод", u"Barcode", kText},
 };
 
-// Opens a port for each, all at once, and only then scans: what was set when a device was opened
-// holds for it, whatever was set later.
+// Opens a port for each row before the first scan: a device keeps the settings that it was opened
+// with, whatever is set later.
 void expectRaised(SerialDriver& driver, const char16_t* Raised::*name) {
   std::int32_t port = kUsb1;
   for (const Raised& raised : kRaised) {
@@ -100,7 +100,7 @@ TEST(SerialEvents, TheProcessAndNotTheComponentChoosesTheLanguageOfNames) {
     return english.event().name;
   };
   EXPECT_EQ(nameOfAScan(), u"Barcode");
-  // A component that was told Russian turns the whole process, and turns it again and again.
+  // A component that was set to Russian switches the whole process, on every SetLocale.
   rig::Driver other(u"CardReaderDevice", rig::englishLibraryPath());
   other.component.object().SetLocale(u"ru_RU");
   EXPECT_EQ(nameOfAScan(), u"Штрихкод");
@@ -122,7 +122,7 @@ TEST(SerialEvents, AProcessThatStartsRussianStaysRussian) {
   EXPECT_EQ(driver.event().name, u"Штрихкод");
 }
 
-// The same scan as data of each type.
+// One scan in the forms of the data types.
 struct Data {
   std::string bytes;
   std::u16string text;
@@ -133,7 +133,7 @@ const Data kData[] = {
     {"4600051000057", u"4600051000057", u"4600051000057"},
     {"Привет", u"Привет", u"(208159209128208184208178208181209130)"},
     {"\x02 \x7F\n", u"\x02 \x7F\n", u"(002032127010)"},
-    // The text ends at a zero; what is no UTF-8 is skipped.
+    // A text ends at a zero; invalid UTF-8 is skipped.
     {std::string("12\0"
                  "34",
                  5),
@@ -145,7 +145,7 @@ const Data kData[] = {
 };
 
 TEST(SerialEvents, TheDataOfEachType) {
-  // A device each, without a suffix, so that every byte is data.
+  // One device for each, without a suffix, so that every byte is data.
   std::deque<SerialDriver> drivers(3);
   for (std::int32_t type = 0; type < 3; ++type) {
     SerialDriver& driver = drivers[static_cast<std::size_t>(type)];
@@ -217,7 +217,7 @@ TEST(SerialEvents, EightPortsAtFullSpeed) {
       }
     });
   }
-  std::map<std::string, int> next;  // scan of each source
+  std::map<std::string, int> next;  // the next scan expected from each source
   for (SerialDriver* driver : drivers) {
     for (int i = 0; i < kScans * kPorts / 2; ++i) {
       const Event event = driver->event();

@@ -1,4 +1,4 @@
-// Ports that break, and hosts that are short of something: nothing hangs, spins or is left behind.
+// Ports that break, and hosts that run short of a resource: nothing hangs, spins or leaks.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -29,7 +29,7 @@ void expectScan(SerialDriver& driver, SerialLine& line, const std::u16string& id
   EXPECT_EQ(event.data, u"scan");
 }
 
-// Puts something else than a serial line at the place of a port.
+// Something other than a serial line at the path of a port.
 class StrangePort {
  public:
   explicit StrangePort(std::int32_t port) : path_(rig::portPath(port)) {}
@@ -57,14 +57,14 @@ TEST(SerialFaults, TheReaderOfADeadPortSleepsAndCanBeClosed) {
   unpluggedRaw->link(rig::portPath(132));
   std::vector<pid_t> readers;
   for (std::int32_t port = 129; port <= 132; ++port) {
-    // The last one has no suffix: what is no message must not become one.
+    // The last one has no suffix, but losing it must still not deliver a message.
     driver.component.setParameter(u"Suffix", port == 132 ? -1 : 13);
     readers.push_back(rig::threadAddedBy([&] { driver.open(port); }));
   }
   unplugged.reset();
   unpluggedRaw.reset();
 
-  constexpr long long kSteps = 2;  // of the reader, a second each
+  constexpr long long kSteps = 2;  // sleeps of the reader, a second each
   std::vector<long long> rests;
   std::vector<std::chrono::nanoseconds> used;
   for (const pid_t reader : readers) {
@@ -72,8 +72,8 @@ TEST(SerialFaults, TheReaderOfADeadPortSleepsAndCanBeClosed) {
     used.push_back(rig::processorTime(reader));
   }
   for (std::size_t i = 0; i < readers.size(); ++i) {
-    // A reader that does not rest never gets here, or has used most of the time by then.
-    rig::await("a reader at rest", [&] { return rig::restsOf(readers[i]) > rests[i] + kSteps; });
+    // A reader that spins never gets past this, or has used most of the time by then.
+    rig::await("a sleeping reader", [&] { return rig::restsOf(readers[i]) > rests[i] + kSteps; });
     EXPECT_LT(rig::processorTime(readers[i]) - used[i], kSteps * 1000ms / 4) << "port " << 129 + i;
   }
   SerialLine& alive = driver.plugIn(133);
@@ -81,8 +81,7 @@ TEST(SerialFaults, TheReaderOfADeadPortSleepsAndCanBeClosed) {
   expectScan(driver, alive, driver.open(133));
   driver.closeAll();
   rig::awaitThreadCount(threads);
-  // Of the line that is still plugged in; and one that tells the driver of new device files, which
-  // a process keeps.
+  // One for the line that is still plugged in, and the inotify descriptor, which a process keeps.
   EXPECT_LE(rig::descriptorCount(), descriptors + 2);
 }
 
@@ -177,7 +176,7 @@ TEST(SerialFaults, AHostThatCannotStartAThread) {
   expectScan(driver, line, driver.open(kUsb1));
 }
 
-// The host may throw what it likes: the scan is lost to it, the next one is not.
+// An exception from the host costs it that scan but not the next one.
 TEST(SerialFaults, AHostThatThrows) {
   struct Throwing : terminal::HostConnection {
     using HostConnection::HostConnection;
@@ -196,13 +195,13 @@ TEST(SerialFaults, AHostThatThrows) {
   EXPECT_EQ(events.take(rig::kPatience)->data, u"scan");
 }
 
-// Asynchronous signals are for the host's own threads.
+// Asynchronous signals belong to the host's own threads.
 TEST(SerialFaults, ReadersLeaveSignalsToTheHost) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);
   std::u16string id;
   const pid_t reader = rig::threadAddedBy([&] { id = driver.open(kUsb1); });
-  // While a thread starts, the C library blocks everything in it.
+  // While a thread starts, the C library blocks all its signals; a scan shows that it runs.
   expectScan(driver, line, id);
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGCHLD, SIGUSR1, SIGALRM, SIGRTMIN}) {
     EXPECT_TRUE(rig::blocks(reader, signal)) << signal;

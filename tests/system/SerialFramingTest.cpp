@@ -29,8 +29,8 @@ Messages base64Of(const std::vector<std::string>& messages) {
   return texts;
 }
 
-// A model of what a reader makes of bytes that it finds in the line all at once: what stands
-// before each end, less the rest of the suffix; nothing of what no end follows.
+// A model of how a reader splits bytes that arrive all at once: a message is what precedes each end
+// byte, less the rest of the suffix. What follows the last end byte is dropped.
 std::vector<std::string> messagesOf(std::string bytes, const std::string& suffix) {
   if (suffix.empty()) return bytes.empty() ? std::vector<std::string>() : std::vector{bytes};
   std::vector<std::string> messages;
@@ -93,7 +93,7 @@ const Framing kFramings[] = {
      {"", "A"}},
     {"FourBytes", kFace, "ABC\xF0\x9F\x98\x80", {"ABC"}},
     {"FourBytesShorterThanCut", kFace, "XY\x80", {}},
-    // A code that is no character has no bytes, like no suffix.
+    // A code that is not a character encodes to no bytes, so there is no suffix.
     {"NoCharacter", 0x110000, "1\r", {"1\r"}},
     {"Surrogate", 0xD800, "1\r", {"1\r"}},
     {"NegativeCode", -2, "1\r", {"1\r"}},
@@ -133,7 +133,7 @@ TEST(SerialFramingTest, EveryByteOfABurstPasses) {
   EXPECT_EQ(device.burst(all), base64Of({all}));
 }
 
-// A line of 9600 baud brings about a byte a millisecond.
+// At 9600 baud a byte takes about a millisecond.
 constexpr auto kSlow = 2ms;
 
 const std::vector<std::string> kScans = {"4600051000057", "X", "]d201046000510000571712345",
@@ -154,7 +154,7 @@ TEST(SlowLine, CookedWorksWithALineFeed) {
   driver.component.setParameter(u"OutputDataType", rig::kDataBase64);
   driver.component.setParameter(u"Suffix", 10);
   driver.open(kUsb1);
-  // The line turns the carriage return of the scanner into the line feed.
+  // The line turns the scanner's carriage return into a line feed.
   for (const std::string& scan : kScans) line.sendSlowly(scan + "\r", kSlow);
   for (const std::string& scan : kScans) EXPECT_EQ(driver.event().data, base64(scan));
 }
@@ -175,7 +175,7 @@ TEST(SlowLine, CookedNeverEndsWithACarriageReturn) {
 TEST(SlowLine, RawLosesAScanThatIsSplitIntoBursts) {
   RawDevice device(kUsb1, 13);
   for (const std::string& scan : kScans) {
-    // Each byte is a burst of its own, and the terminator has nothing before it.
+    // Each byte is a burst of its own, so that nothing precedes the terminator in its burst.
     EXPECT_EQ(device.drip(scan + "\r", kSlow), Messages());
   }
   EXPECT_EQ(device.drip("12", kSlow), Messages());
@@ -196,7 +196,7 @@ unsigned seed() {
   return seed;
 }
 
-// Bytes of every value, with many of those that a suffix is made of.
+// Bytes of every value, with bytes of the suffix over-represented.
 std::string randomBytes(std::mt19937& random, const std::string& suffix) {
   const auto below = [&random](std::size_t limit) { return random() % limit; };
   std::string bytes(1 + below(below(8) == 0 ? 3000 : 60), '\0');
@@ -230,7 +230,7 @@ TEST(SerialSizes, AFramedScanOf4095Bytes) {
   std::string scan(4095, '\0');
   for (std::size_t i = 0; i < scan.size(); ++i) {
     const auto byte = static_cast<char>(i);
-    scan[i] = byte == '\r' || byte == '\n' ? ' ' : byte;  // every other one passes a framed line
+    scan[i] = byte == '\r' || byte == '\n' ? ' ' : byte;  // a framed line passes all others
   }
   line.send(scan + "\rend\r");
   EXPECT_EQ(driver.event().data, base64(scan));
@@ -265,7 +265,7 @@ TEST(SerialSizes, AHundredKilobytesWithoutASuffix) {
   std::string sent(100 * 1024, '\0');
   std::generate(sent.begin(), sent.end(), [&] { return static_cast<char>(random()); });
   line.send(sent);
-  // Where the stream is cut is up to the line: the whole of it comes, in order.
+  // The line may split the stream anywhere, but all of it comes, in order.
   std::string received;
   while (received.size() < sent.size()) received += bytesOf(driver.event().data);
   EXPECT_TRUE(received == sent);

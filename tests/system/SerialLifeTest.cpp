@@ -1,5 +1,5 @@
-// From loading the library to the end of the process: nothing is left over, and nothing crashes on
-// the way out while scans come in.
+// From loading the library to the end of the process: nothing leaks, and nothing crashes on exit
+// while scans come in.
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -23,7 +23,7 @@ using terminal::SerialLine;
 
 constexpr std::int32_t kUsb1 = 129;
 
-// Scans on all lines as fast as they take it, while it lives.
+// While it exists, scans on all lines as fast as they accept data.
 class Flood {
  public:
   explicit Flood(std::deque<SerialLine>& lines)
@@ -67,7 +67,7 @@ void scanOnce(SerialDriver& driver, SerialLine& line) {
 TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
   SerialDriver driver;
   SerialLine& line = driver.plugIn(kUsb1);
-  // What the C library keeps for the next time is there after the first ones.
+  // Warm up: the C library caches what the first openings allocate.
   for (int i = 0; i < 20; ++i) scanOnce(driver, line);
   const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
@@ -76,7 +76,7 @@ TEST(SerialLife, TwoHundredOpeningsLeaveNothingBehind) {
   for (std::size_t i = 0; i < kOpenings; ++i) scanOnce(driver, line);
   rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
-  // The smallest block that each of them could leave behind.
+  // The smallest block that each opening could leak.
   EXPECT_LT(rig::heapBytes(), memory + kOpenings * 16);
   EXPECT_EQ(driver.component.memory().blocksOut(), 0);
 }
@@ -106,11 +106,11 @@ TEST(SerialLife, InitialisingAComponentAgainClosesItsDevices) {
   EXPECT_TRUE(driver.component.object().Init(&driver.component.connection()));
   rig::awaitThreadCount(threads);
   EXPECT_FALSE(driver.component.close(u"InputDevice#1"));
-  // The openings go on being counted.
+  // The numbering of openings continues.
   EXPECT_EQ(driver.open(kUsb1), u"InputDevice#2");
 }
 
-// The shortest of several times, which a loaded machine lengthens but does not shorten.
+// The shortest of several measurements: load lengthens a time but never shortens it.
 template <typename Action>
 std::chrono::milliseconds quickest(int tries, const Action& action) {
   auto least = std::chrono::steady_clock::duration::max();
@@ -144,7 +144,7 @@ TEST(SerialLife, AComponentWithManyIdlePortsIsDestroyedAtOnce) {
     return std::chrono::steady_clock::now() - start;
   });
   std::cout << kPorts << " ports destroyed in " << time.count() << " ms\n";
-  // Some 0.1 s on a machine with nothing else to do.
+  // About 0.1 s on an idle machine.
   EXPECT_LE(time, std::chrono::milliseconds(1000));
 }
 
@@ -188,7 +188,7 @@ TEST(SerialLife, TheLibraryCanBeUnloadedAfterItsComponents) {
   SerialDriver first;
   SerialDriver second(u"CardReaderDevice");
   openPorts(first, 1);
-  // The one component goes with its share of the library, the other stays.
+  // The third component and its reference to the library go; the others stay.
   { const rig::Driver third; }
   first.lines[0].send("1\r");
   EXPECT_EQ(first.event().data, u"1");

@@ -1,4 +1,4 @@
-// Which file a port number opens, and in what state the driver has the line.
+// Which file a port number opens, and how the driver sets up the line.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/ioctl.h>
@@ -31,7 +31,7 @@ using terminal::SerialLine;
 constexpr std::int32_t kUsb1 = 129;
 const std::string kUsb1Path = "/dev/ttyUSB0";
 
-// The first and the last of each family.
+// The first and the last port of each family.
 constexpr std::pair<std::int32_t, const char*> kPortFiles[] = {
     {1, "/dev/ttyS0"},      {2, "/dev/ttyS1"},     {64, "/dev/ttyS63"},   {65, "/dev/ttyACM0"},
     {128, "/dev/ttyACM63"}, {129, "/dev/ttyUSB0"}, {130, "/dev/ttyUSB1"}, {999, "/dev/ttyUSB870"},
@@ -55,7 +55,7 @@ TEST(SerialPorts, EachSpeedIsSetAndAnUnknownOneIs9600) {
                                      9600, 19200, 38400, 57600, 115200};
   constexpr std::int32_t kUnknown[] = {0,      1,  50,    14400,
                                        230400, -1, -9600, std::numeric_limits<std::int32_t>::min()};
-  std::vector<std::pair<std::int32_t, std::int32_t>> speeds;  // asked for and set
+  std::vector<std::pair<std::int32_t, std::int32_t>> speeds;  // requested and expected
   for (const std::int32_t speed : kKnown) speeds.emplace_back(speed, speed);
   for (const std::int32_t speed : kUnknown) speeds.emplace_back(speed, 9600);
   SerialDriver driver;
@@ -64,7 +64,7 @@ TEST(SerialPorts, EachSpeedIsSetAndAnUnknownOneIs9600) {
     driver.plugIn(port);
     driver.component.setParameter(u"Speed", asked);
     driver.open(port);
-    // Two speeds, of input and output, where they differ.
+    // stty(1) prints two speeds where those of input and output differ.
     EXPECT_EQ(rig::outputOf({"stty", "-F", rig::portPath(port), "speed"}),
               std::to_string(set) + "\n")
         << asked;
@@ -108,7 +108,7 @@ TEST(SerialPorts, EverySettingOfALineButItsSpeedIsKept) {
   EXPECT_EQ(after, before);
 }
 
-// The descriptors of this process that stand for the file.
+// The descriptors of this process that refer to the file.
 std::vector<int> descriptorsOf(const std::string& path) {
   std::vector<int> descriptors;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
@@ -131,7 +131,7 @@ TEST(SerialPorts, ThePortIsOpenReadOnlyNonBlockingAndCloseOnExec) {
   EXPECT_EQ(fcntl(descriptors[0], F_GETFD), FD_CLOEXEC);
 }
 
-// A process that leads a session without a terminal, as a service does.
+// In a session leader without a terminal, as a service is.
 TEST(SerialPorts, ThePortDoesNotBecomeTheControllingTerminal) {
   rig::inOwnProcess([] {
     ASSERT_GE(setsid(), 0);
@@ -140,16 +140,16 @@ TEST(SerialPorts, ThePortDoesNotBecomeTheControllingTerminal) {
     driver.component.setParameter(u"Suffix", 10);
     driver.open(kUsb1);
     EXPECT_EQ(::open("/dev/tty", O_RDONLY | O_CLOEXEC), -1);
-    // An interrupt character, which a controlling terminal makes a signal of.
+    // An interrupt character, which a controlling terminal would turn into a signal.
     line.send("\x03scan\n");
     EXPECT_EQ(driver.event().data, u"scan");
-    // Unplugged, a controlling terminal would end this process.
+    // A controlling terminal that hangs up would end this process.
     driver.lines.clear();
     driver.plugIn(kUsb1, LineSetting::kCooked);
   });
 }
 
-// A descriptor of a port, which keeps what waits in the line while nobody else has it open.
+// A descriptor of a port, which keeps unread bytes in the line while nobody else has it open.
 class OpenPort {
  public:
   explicit OpenPort(const std::string& path)
@@ -183,7 +183,7 @@ TEST(SerialPorts, ScansFromBeforeTheOpeningAreDiscarded) {
   driver.open(kUsb1);
   framed.send("new\r");
   EXPECT_EQ(driver.event().data, u"new");
-  // Without a suffix nothing else would keep the old bytes back.
+  // Without a suffix, old bytes would show.
   driver.component.setParameter(u"Suffix", -1);
   driver.open(130);
   raw.send("new");
@@ -200,7 +200,7 @@ TEST(SerialPorts, APortCanBeOpenTwice) {
   EXPECT_EQ(descriptorsOf(line.port()).size(), 2U);
   EXPECT_TRUE(driver.close(first));
   EXPECT_FALSE(driver.close(first));
-  // The readers of what was sent to end the first are through with it when a scan arrives whole.
+  // Scans now go to the second device alone.
   line.send("1\r");
   EXPECT_EQ(driver.event().source, second);
   EXPECT_TRUE(driver.close(second));
@@ -216,7 +216,7 @@ void expectRefused(std::int32_t port) {
   EXPECT_EQ(driver.component.lastError(), u"Ошибка подключения. Проверьте доступность устройства.");
   rig::awaitThreadCount(threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
-  // A refused opening counts.
+  // A refused opening uses up a number.
   driver.plugIn(200);
   EXPECT_EQ(driver.open(200), u"InputDevice#2");
 }
@@ -228,7 +228,7 @@ TEST(SerialPorts, APortThatDoesNotExistIsRefused) {
   }
 }
 
-// Removes what a test has put into /dev.
+// Removes a file that a test has put into /dev.
 struct Removed {
   std::string path;
   ~Removed() { std::filesystem::remove_all(path); }

@@ -129,7 +129,7 @@ TEST(SerialUnplug, TheDescriptorIsClosedAtOnce) {
 }
 
 TEST(SerialUnplug, AnUnfinishedMessageIsDropped) {
-  // Without a suffix, too, where the end of a burst is the end of a message.
+  // Also without a suffix, where the end of a burst ends a message.
   for (const std::int32_t suffix : {13, -1}) {
     Scanner scanner(kUsb1, LineSetting::kRaw);
     SerialDriver driver;
@@ -189,7 +189,7 @@ TEST(SerialUnplug, ClosingAtTheMomentOfUnplugging) {
     unplugging.join();
   }
   rig::awaitThreadCount(threads);
-  // With the first loss a process gets one that tells of new device files.
+  // After its first loss a process keeps one inotify descriptor.
   EXPECT_LE(rig::descriptorCount(), descriptors + 1);
 }
 
@@ -243,7 +243,7 @@ TEST(SerialUnplug, TheHostsNewDeviceTakesThePortOver) {
   scanner.awaitReader();
   scanner.unplug();
   scanner.plugIn();
-  // Whether the lost device is still waiting or just back.
+  // The lost device may still be waiting or be back already.
   const std::u16string second = driver.open(kUsb1);
   for (int i = 0; i < 50; ++i) expectScan(driver, scanner, second);
 
@@ -254,7 +254,7 @@ TEST(SerialUnplug, TheHostsNewDeviceTakesThePortOver) {
   const std::u16string third = driver.open(kUsb1);
   for (int i = 0; i < 50; ++i) expectScan(driver, scanner, third);
 
-  // Those that have left stay away, and can be closed.
+  // Devices that have given up the port stay away, and can be closed.
   scanner.unplug();
   scanner.plugIn();
   scanner.awaitReader();
@@ -317,12 +317,12 @@ TEST(SerialUnplug, AThousandTimesWithAScanEach) {
   std::cout << kCycles << " times in " << milliseconds(Clock::now() - start) << " ms\n";
   EXPECT_EQ(rig::settledThreadCount(), threads);
   EXPECT_EQ(rig::descriptorCount(), descriptors);
-  // The smallest block that each cycle could leave behind.
+  // The smallest block that each cycle could leak.
   EXPECT_LT(rig::heapBytes(), memory + (kCycles - kWarmUp) * 16);
   expectNothingMore(driver);
 }
 
-// A port without a chip behind it can be opened, and the first read of it fails.
+// A port without a chip behind it can be opened, but its first read fails.
 TEST(SerialUnplug, DeadPortsCostNextToNothing) {
   constexpr std::int32_t kPorts = 32;
   SerialDriver driver;
@@ -335,10 +335,10 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
     std::vector<long long> ends;
     for (const pid_t reader : readers) ends.push_back(rig::restsOf(reader) + count);
     for (std::size_t i = 0; i < readers.size(); ++i) {
-      rig::await("a reader at rest", [&] { return rig::restsOf(readers[i]) >= ends[i]; });
+      rig::await("a sleeping reader", [&] { return rig::restsOf(readers[i]) >= ends[i]; });
     }
   };
-  // They are tried after 1, 2 and 4 seconds, and from then on every 5.
+  // They are retried after 1, 2 and 4 seconds, and every 5 seconds from then on.
   awaitRests(3);
   std::chrono::nanoseconds used{0};
   long long reads = 0;
@@ -356,8 +356,8 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
   const double share = std::chrono::duration<double>(used).count() / time.count();
   std::cout << kPorts << " dead ports use " << share * 100 << " % of a core, and read "
             << static_cast<double>(reads) / kPorts / time.count() << " times a second each\n";
-  EXPECT_LT(share, 0.01);  // under 0.1 % where no sanitizer and no other load slows it down
-  // With each opening the port is read once, and the news of the device files a few times.
+  EXPECT_LT(share, 0.01);  // below 0.1 % without a sanitizer or other load
+  // Each retry reads the port once and the inotify descriptor a few times.
   EXPECT_LT(static_cast<double>(reads), kPorts * 4 * time.count());
   for (std::int32_t port = kUsb1; port < kUsb1 + kPorts; ++port) {
     std::filesystem::remove(rig::portPath(port));
@@ -380,7 +380,7 @@ TEST(SerialUnplug, AnEndOfFileCharacterIsNotAnUnplug) {
     scanner.send("\x04scan\r");
     EXPECT_EQ(driver.event().data, u"scan");
   }
-  // A device that took it for the end of the port would have waited a second each time.
+  // A reader that took it for an unplugging would wait a second each time.
   EXPECT_LT(Clock::now() - start, 10s);
 }
 

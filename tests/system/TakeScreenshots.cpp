@@ -1,5 +1,5 @@
-// Takes the pictures of the test window for the documentation: one in each language, with rows of
-// all kinds of devices. Run in a private /dev, as the tests are, with the folder for the pictures.
+// Takes the screenshots of the test window for the documentation: one for each language, with rows
+// from all kinds of devices. Run it in a private /dev, as the tests are, with the output folder.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -24,7 +24,7 @@ struct PixbufUnref {
 };
 using Picture = std::unique_ptr<GdkPixbuf, PixbufUnref>;
 
-// The window as it is on the screen now, with the frame that the window manager gives it.
+// The window as it is on the screen now, with the window manager's frame.
 Picture grab(const rig::TestWindow& window) {
   GdkRectangle frame;
   gdk_window_get_frame_extents(gtk_widget_get_window(GTK_WIDGET(window.dialog())), &frame);
@@ -39,7 +39,7 @@ bool areEqual(GdkPixbuf* one, GdkPixbuf* other) {
                     gdk_pixbuf_read_pixels(other));
 }
 
-// The window when it and its frame have been drawn: when nothing changes any more.
+// The window once it and its frame have been drawn, that is, once nothing changes any more.
 Picture grabAtRest(const rig::TestWindow& window) {
   constexpr int kSame = 5;
   Picture picture = grab(window);
@@ -84,7 +84,7 @@ void takePicture(rig::XServer& server, const std::string& library, const std::st
   });
 }
 
-// In a process of its own: a process starts in one language and stays in it.
+// In a process of its own: a process stays in the language that it starts in.
 void takePictureAlone(rig::XServer& server, const std::string& library, const std::string& file) {
   const pid_t child = fork();
   if (child == 0) {

@@ -1,4 +1,4 @@
-// quorvel-host test.
+// The command quorvel-host test.
 #include <gtest/gtest.h>
 
 #include "tests/rig/Driver.h"

@@ -53,7 +53,7 @@ PangoEllipsizeMode ellipsisOf(const TestWindow& window, GtkTreeViewColumn* colum
   return mode;
 }
 
-// What part of the list shows.
+// The visible part of the list.
 GdkRectangle shownPart(const TestWindow& window) {
   GdkRectangle shown;
   gtk_tree_view_get_visible_rect(window.list(), &shown);
@@ -80,7 +80,7 @@ void pressButton(bool isPress) {
   XTestFakeButtonEvent(gdk_x11_get_default_xdisplay(), 1, isPress, CurrentTime);
 }
 
-// The text of the tooltip that is shown; empty when there is none.
+// The text of the tooltip that is shown; empty without a tooltip.
 std::string tooltip() {
   std::string text;
   GList* const windows = gtk_window_list_toplevels();
@@ -197,7 +197,7 @@ TEST_F(TestWindowColumns, GrowAsShortNamesNeed) {
   });
 }
 
-// One row is one line, whatever the data is: all of it is beside, not below, what comes first.
+// A row is always one line: no part of the data is shown below the rest of it.
 TEST_F(TestWindowColumns, ShowLineSeparatorsWithinTheLine) {
   terminal::SerialLine& scanner = plugIn("/dev/ttyUSB0");
   inWindow([&](TestWindow& window) {

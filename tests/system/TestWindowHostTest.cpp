@@ -37,7 +37,7 @@ void addDeadPorts(std::size_t count) {
   }
 }
 
-// Of this process, in bytes.
+// The address space of this process, in bytes.
 std::size_t addressSpace() {
   std::size_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
@@ -96,7 +96,7 @@ TEST_F(TestWindowHost, ClosesWhenTheWindowManagerIsAskedTo) {
         gdk_window_get_frame_extents(gtk_widget_get_window(GTK_WIDGET(window.dialog())), &frame);
         return frame.height > GTK_WIDGET(window.dialog())->allocation.height;
       });
-      // Only once: at the second request this manager kills the process.
+      // Ask only once: at the second request this window manager kills the process.
       rig::run({"wmctrl", "-i", "-c", std::to_string(window.id())});
       window.await("closing", [&] { return window.response().has_value(); });
       EXPECT_EQ(window.response(), GTK_RESPONSE_DELETE_EVENT);
@@ -126,7 +126,7 @@ TEST_F(TestWindowHost, ReturnsWhenTheHostDestroysTheWindow) {
       gtk_widget_destroy(GTK_WIDGET(window.dialog()));
       scanner->send("never shown\r");
     });
-    // Nothing of the window is left for a row to come to.
+    // No row may still be on its way to the destroyed window.
     while (g_main_context_iteration(nullptr, FALSE)) continue;
   });
 }
@@ -178,7 +178,7 @@ TEST_F(TestWindowHost, OpensInAHostWhoseGtkHadFoundNoDisplay) {
   });
 }
 
-// Serial ports with no chip behind them: readable at once, and forever, with nothing to be read.
+// Serial ports without a chip behind them: always readable, but there is nothing to read.
 TEST_F(TestWindowHost, IsIdleWithManyDeadPorts) {
   inOwnProcess([] {
     addDeadPorts(32);
@@ -205,12 +205,12 @@ TEST_F(TestWindowHost, ClosesAtOnceWithManyPorts) {
     visitWindow([&](TestWindow&) { closing = rig::timesNow(); });
     const double taken = rig::timesSince(closing).wall;
     std::cout << "closed " << kPorts << " ports in " << taken << " s\n";
-    // Readers that are not woken end half a second later on average: one after another, 50.
+    // Readers that are not woken take half a second each on average, 50 s one after another.
     EXPECT_LT(taken, 5);
   });
 }
 
-// 192 stacks of the default size take half of what a 32-bit host has.
+// 192 stacks of the default size take half the address space of a 32-bit host.
 TEST_F(TestWindowHost, TakesLittleAddressSpaceForManyPorts) {
   if (sizeof(void*) > 4) GTEST_SKIP() << "a 64-bit host has plenty";
   inOwnProcess([] {
@@ -234,7 +234,7 @@ TEST_F(TestWindowHost, OutlivesTheXServerAfterTheWindowWasShown) {
     const pid_t reader = rig::threadAddedBy([&] { ASSERT_TRUE(driver.component.open()); });
     visitWindow(driver.component, [](TestWindow&) {});
     server.kill();
-    // The reader of the keyboard ends, and nothing else does.
+    // Only the reader of the keyboard ends.
     rig::await("the end of its reader", [&] { return !rig::threads().contains(reader); });
   });
 }
@@ -251,7 +251,7 @@ TEST_F(TestWindowHost, OutlivesTheXServerWhileTheWindowIsShown) {
       server.kill();
       window.await("closing", [&] { return window.response().has_value(); });
     });
-    // There is no display to show it on any more.
+    // There is no display any more, so no window is shown.
     EXPECT_TRUE(driver.component.test());
     driver.openPort(129);
     scanner->send("still read\r");

@@ -69,7 +69,8 @@ class TestWindowKeys : public rig::WindowTest {
 
   terminal::VirtualKeyboard& keyboard() { return server_->keyboard(0); }
 
-  // Lets `typing` type so many keys in no time, and waits until the window has seen them.
+  // Lets `typing` type that many keys at the same instant, and waits until the window has seen
+  // them.
   void typeAtOnce(TestWindow& window, int keys, const std::function<void()>& typing) {
     const int before = keys_;
     keyboard();
@@ -85,7 +86,7 @@ class TestWindowKeys : public rig::WindowTest {
     });
   }
 
-  // Longer than a lone key is waited for.
+  // Waits longer than the window does to find that a key is alone.
   static void expectUntouched(TestWindow& window) {
     window.run(std::chrono::milliseconds(100));
     EXPECT_FALSE(window.response());
@@ -143,7 +144,7 @@ TEST_F(TestWindowKeys, FromRandomScansChangeNothing) {
     std::mt19937 random(1);  // always the same keys
     std::uniform_int_distribution<unsigned> anyKey(9, 119);
     const auto next = [&] {
-      // Control and Alt are held for one key, Caps Lock and Num Lock would stay.
+      // Control and Alt are held for one key; Caps Lock and Num Lock would stay on.
       for (;;) {
         const Key key{static_cast<std::uint8_t>(anyKey(random))};
         if (key != Key::kLeftControl && key != Key{105} && key != kLeftAlt &&

@@ -89,7 +89,7 @@ void expectScrolledList(GtkWidget* scrolled, const TestWindow& window) {
   EXPECT_THAT(childrenOf(scrolled), ElementsAre(GTK_WIDGET(window.list())));
 }
 
-// The one text renderer of a column, which shows the given column of the first row.
+// The only text renderer of a column, which shows the given column of the first row.
 GtkCellRenderer* expectTextColumn(const TestWindow& window, int number) {
   GtkTreeViewColumn* const column = gtk_tree_view_get_column(window.list(), number);
   EXPECT_STREQ(gtk_tree_view_column_get_title(column), "");

@@ -26,7 +26,7 @@ void awaitListening(TestWindow& window, SerialLine& scanner) {
   window.await("a reader", [&] { return scanner.waitForReader(-1, std::chrono::milliseconds(0)); });
 }
 
-// Types again and again: nothing tells when the window has begun to listen.
+// Types repeatedly, as there is no sign that the window has begun to listen.
 void awaitRowFrom(TestWindow& window, terminal::VirtualKeyboard& keyboard) {
   rig::await("a row", [&] {
     terminal::type(keyboard, "2\r");
@@ -73,12 +73,12 @@ TEST_F(TestWindowPlug, StartsOneReaderForEachPort) {
   inWindow([&](TestWindow& window) {
     first.send("one\r");
     window.awaitRows(1);
-    // From here on threads of GTK's, which look for fonts, may only end.
+    // From here on GTK's own threads, which look for fonts, may only end.
     const std::size_t threads = rig::settledThreadCount();
     const auto second = scannerAt("/dev/ttyUSB1");
     awaitListening(window, *second);
     EXPECT_LE(rig::settledThreadCount(), threads + 1);
-    // Other files, and other changes to these.
+    // Other files, and other changes to the ports.
     std::filesystem::create_symlink("/dev/null", "/dev/ttyUSB");
     std::filesystem::create_symlink("/dev/null", "/dev/ttyUSB2x");
     std::filesystem::create_symlink("/dev/null", "/dev/ttyS99999999999");

@@ -30,7 +30,7 @@ class SharedFlag {
   bool* const flag_;
 };
 
-// Closes the window as soon as it stands.
+// Closes the window as soon as it is shown.
 gboolean closeWindow(gpointer) {
   GList* const windows = gtk_window_list_toplevels();
   bool closed = false;
@@ -61,7 +61,7 @@ TEST_F(TestWindowServerLoss, AtAnyRequestLeavesTheHostAlive) {
       const guint timer = g_timeout_add(0, closeWindow, nullptr);
       EXPECT_TRUE(driver.component.test());
       *died = proxy.isDead();
-      // The host's own main loop comes across nothing of the lost display.
+      // The host's own main loop must not touch the lost display.
       if (GSource* const source = g_main_context_find_source_by_id(nullptr, timer)) {
         g_source_destroy(source);
       }

@@ -49,7 +49,7 @@ TEST_F(TestWindowRows, ListsWhatEveryPortAndKeyboardSends) {
   });
 }
 
-// The counts of the families decide, not the numbers of the files.
+// The window counts the ports of each family and ignores the numbers of the files.
 TEST_F(TestWindowRows, AssumesThatPortsAreNumberedWithoutGaps) {
   SerialLine& first = plugIn("/dev/ttyACM0");
   SerialLine& third = plugIn("/dev/ttyACM2");
@@ -130,7 +130,7 @@ TEST_F(TestWindowRows, GoesOnListeningAfterClear) {
   });
 }
 
-// The Enter of a scanner that types goes to the window as well.
+// A typing scanner's Enter reaches the window as well.
 TEST_F(TestWindowRows, ButtonsTakeNoFocusFromAClick) {
   inWindow([&](TestWindow& window) {
     for (const char* const label : {"Закрыть", "Очистить", "Копировать"}) {

@@ -1,4 +1,4 @@
-// What the tools make of text that could drive a terminal.
+// How the tools show text that could control a terminal.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>

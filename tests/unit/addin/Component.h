@@ -1,4 +1,4 @@
-// A component between doubles of its host.
+// A component between fakes of its host.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ enum MethodNumber : long {
 
 class ComponentTest : public RestoredSettings {
  protected:
-  // Does what a host does before it calls methods.
+  // Sets the component up as a host does before calling methods.
   void connect() {
     EXPECT_TRUE(component_.setMemManager(&memory_));
     EXPECT_TRUE(component_.Init(&connection_));

@@ -37,14 +37,14 @@ class FocusTrackerTest : public testing::Test {
     client_.focus(PointerRoot);
   }
 
-  // A window in one that belongs to a process.
+  // A child of a window that belongs to the process.
   Window openWindowOf(pid_t process) {
     const Window frame = client_.openWindow();
     client_.setProcess(frame, process);
     return client_.openWindow(frame);
   }
 
-  // After the tracker has been given every event.
+  // The tracker's answer after it has been given every pending event.
   bool belongsToAnotherProcess() {
     XSync(connection_.get(), False);
     while (XPending(connection_.get()) > 0) {
@@ -84,7 +84,7 @@ TEST_F(FocusTrackerTest, FollowsTheFocus) {
 TEST_F(FocusTrackerTest, SendsNoRequestsWhileNothingChanges) {
   client_.focus(openWindowOf(kAnotherProcess));
   EXPECT_TRUE(belongsToAnotherProcess());
-  // The second answer has counted the master keyboards.
+  // The second answer also counts the master keyboards.
   EXPECT_TRUE(belongsToAnotherProcess());
   const unsigned long next = NextRequest(connection_.get());
   for (int i = 0; i < 100; ++i) EXPECT_TRUE(tracker_.belongsToAnotherProcess());
@@ -113,7 +113,7 @@ TEST_F(FocusTrackerTest, FollowsAFocusThatAnotherClientGrabs) {
     client_.grabFocusOn(grabbed, keyboard);
     client_.focus(grabbed);
     EXPECT_TRUE(belongsToAnotherProcess()) << "from " << before;
-    // X servers crash when the focus leaves such a window for nowhere.
+    // Moving the focus from such a window to None crashes X servers.
     client_.focus(client_.openWindow());
   }
 }

@@ -37,7 +37,8 @@ struct TestPipe {
   FileDescriptor writeEnd;
 };
 
-// Lets descriptors have numbers up to `highest`; false where the system allows no such number.
+// Raises the limit so that descriptors may be as high as `highest`; false when the system forbids
+// it.
 bool allowDescriptors(rlim_t highest) {
   rlimit limit;
   getrlimit(RLIMIT_NOFILE, &limit);
@@ -47,13 +48,13 @@ bool allowDescriptors(rlim_t highest) {
   return setrlimit(RLIMIT_NOFILE, &limit) == 0;
 }
 
-// The same open file under exactly this number.
+// Duplicates the descriptor to exactly this number.
 FileDescriptor duplicateAs(const FileDescriptor& descriptor, int number) {
   EXPECT_EQ(::fcntl(number, F_GETFD), -1) << "descriptor " << number << " is in use";
   return FileDescriptor(::dup2(descriptor.get(), number));
 }
 
-// Standard input taken from somewhere else for the length of a test.
+// Redirects standard input for the length of a test.
 class StandardInputFrom {
  public:
   explicit StandardInputFrom(const FileDescriptor& descriptor)
@@ -152,8 +153,8 @@ TEST(WaitForReadyRead, GoesOnAfterASignal) {
   count.sa_handler = [](int) { ++interruptions; };  // and no SA_RESTART
   sigaction(SIGUSR1, &count, &before);
   TestPipe pipe;
-  // Looks at whether the waiter sleeps again, and not at whether the handler has run: the thread
-  // sanitizer may let it run only after the wait.
+  // Waits for the waiter to sleep again rather than for the handler to run: the thread sanitizer
+  // may defer the handler until after the wait.
   std::thread interrupter([&, waiter = pthread_self(), waiterId = gettid()] {
     for (int sent = 0; sent < 100; ++sent) {
       const long long sleeps = rig::restsOf(waiterId);

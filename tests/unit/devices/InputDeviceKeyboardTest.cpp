@@ -37,7 +37,7 @@ class InputDeviceKeyboardTest : public testing::Test {
 
   static terminal::VirtualKeyboard& scanner() { return server_->keyboard(0); }
 
-  // Until another client may grab the scanner.
+  // Waits until another client can grab the scanner.
   static void awaitRelease() {
     rig::XClient client(server_->display());
     const int scanner = client.device("Scanner");
@@ -127,14 +127,14 @@ TEST_P(KeyboardSuffixTest, TheLastByteEndsAMessage) {
   EXPECT_EQ(messages_.take(), GetParam().message);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Suffixes, KeyboardSuffixTest,
-    testing::Values(Suffix{L"", "1\r", L"1"}, Suffix{L"\r", "1\r", L"1"},
-                    Suffix{L"#", "1\r#", L"1\r"}, Suffix{L"##", "1#", L"1"},
-                    // No more than ten bytes of a suffix are looked at.
-                    Suffix{L"0123456789#", "1#9", L"1#"},
-                    // Nothing that the host's encoding can say leaves the carriage return.
-                    Suffix{L"\x0416", "1\r", L"1"}));
+INSTANTIATE_TEST_SUITE_P(Suffixes, KeyboardSuffixTest,
+                         testing::Values(Suffix{L"", "1\r", L"1"}, Suffix{L"\r", "1\r", L"1"},
+                                         Suffix{L"#", "1\r#", L"1\r"}, Suffix{L"##", "1#", L"1"},
+                                         // Only the first ten bytes of a suffix count.
+                                         Suffix{L"0123456789#", "1#9", L"1#"},
+                                         // A character outside the host's encoding leaves the
+                                         // default, the carriage return.
+                                         Suffix{L"\x0416", "1\r", L"1"}));
 
 TEST_F(InputDeviceKeyboardTest, OnlyTheLowByteOfEachNameCharacterCounts) {
   factory_.keyboardDevice =
@@ -187,7 +187,7 @@ TEST_F(InputDeviceKeyboardTest, MayBeDestroyedInsideItsCallback) {
   type(scanner(), "1\r2\r");
   EXPECT_EQ(messages_.take(), L"1");
   awaitRelease();
-  // What waited when the device was destroyed is delivered to nobody.
+  // Messages that were pending when the device was destroyed are not delivered.
   EXPECT_EQ(messages_.count(), 0U);
 }
 

@@ -35,7 +35,7 @@ class KeyboardMessageTest : public testing::Test {
     return message.add(event);
   }
 
-  // Presses what types the text, whose last character is the only one that may end a message.
+  // Presses the keys of the text; only its last character may end a message.
   std::optional<std::string> type(KeyboardMessage& message, std::string_view text) {
     std::optional<std::string> ended;
     for (const char character : text) {
@@ -79,7 +79,7 @@ TEST_F(KeyboardMessageTest, WithoutMemoryLosesExactlyOneMessage) {
   std::size_t typed = 0;
   {
     const rig::FailingAllocation failing;
-    // Until the message needs more memory than it has.
+    // Enough keys that the message has to allocate.
     for (; typed < 100; ++typed) press(message_, strokeFor('x')->key);
   }
   EXPECT_EQ(type(message_, "rest\r"), std::nullopt);

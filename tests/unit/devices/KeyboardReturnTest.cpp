@@ -65,7 +65,7 @@ class KeyboardReturnTest : public testing::Test {
   void unplug(const std::string& name = "Plugged") {
     client_.removeMaster(client_.device(name + " keyboard"));
   }
-  // Adds a keyboard that another client has grabbed before anybody could.
+  // Adds a keyboard that another client grabs before anyone else can.
   void plugAndGrab() {
     XGrabServer(client_.get());
     plug();
@@ -74,7 +74,7 @@ class KeyboardReturnTest : public testing::Test {
     XSync(client_.get(), False);
   }
 
-  // Until the driver has grabbed the device.
+  // Waits until the driver has grabbed the device.
   void awaitGrab(int device) {
     const auto deadline = std::chrono::steady_clock::now() + rig::kPatience;
     while (client_.grab(device)) {
@@ -88,7 +88,7 @@ class KeyboardReturnTest : public testing::Test {
     return client_.xTestKeyboardOf(name);
   }
 
-  // Scans until one arrives: nobody else can see when the driver has the keyboard again.
+  // Scans until a scan arrives: there is no other sign that the driver has the keyboard again.
   void awaitScans(terminal::VirtualKeyboard& keyboard) {
     const auto deadline = std::chrono::steady_clock::now() + rig::kPatience;
     std::optional<std::wstring> message;
@@ -97,7 +97,7 @@ class KeyboardReturnTest : public testing::Test {
       type(keyboard, "0\r");
       message = messages_.take(kMoment);
     }
-    // Those that were on their way, up to one that can be told from them. The driver may have got
+    // Take the scans still on their way, up to one that differs from them. The driver may have got
     // the keyboard in the middle of a scan.
     type(keyboard, "9\r");
     while (message != L"9") {

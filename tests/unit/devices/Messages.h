@@ -15,7 +15,7 @@
 
 namespace quorvel {
 
-// Keeps the messages, decoded, in their order. Outlives the device.
+// Keeps the decoded messages in order. Must outlive the device.
 class Messages {
  public:
   DataCallback callback() {
@@ -33,7 +33,7 @@ class Messages {
     return *message;
   }
 
-  // The next message, if one comes in that time.
+  // The next message, if one comes within that time.
   std::optional<std::wstring> take(std::chrono::milliseconds patience) {
     std::unique_lock lock(mutex_);
     if (!arrived_.wait_for(lock, patience, [this] { return !messages_.empty(); })) return {};

@@ -65,7 +65,7 @@ TEST(NonPrintableKeys, OtherKeysymsHaveNoName) {
 }
 
 TEST(NonPrintableKeys, NumbersOutsideTheTableHaveNothing) {
-  // Twice: the first look-up leaves nothing behind.
+  // Twice: a look-up must not add an entry.
   for (const int id : {-2, 21, INT_MIN, INT_MAX, -2, 21}) {
     SCOPED_TRACE(testing::Message() << "key " << id);
     EXPECT_EQ(getKeyFullName(static_cast<KeyID>(id)), L"");

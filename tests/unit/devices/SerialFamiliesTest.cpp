@@ -125,7 +125,7 @@ TEST(DeviceFiles, AreEmptyWhenFindCannotRun) {
   EXPECT_TRUE(findDeviceFiles("null").empty());
 }
 
-// A find(1) that takes its time, in a folder of its own.
+// A slow find(1) in a folder of its own.
 class SlowFind {
  public:
   SlowFind() {
@@ -149,7 +149,7 @@ class SlowFind {
   const std::filesystem::path folder_ = newFolder();
 };
 
-// As a host's own timer does whose handler lets system calls be interrupted.
+// A timer like one of the host's, whose handler is installed without SA_RESTART.
 class Interruptions {
  public:
   Interruptions() {

@@ -33,7 +33,7 @@ InputDeviceComPortFactory usb1() {
   return factory;
 }
 
-// A reader that is run on the test's own thread.
+// A reader that runs on the test's own thread.
 struct SerialReading {
   SerialReading() { line.link(kUsb1Path); }
 
@@ -69,7 +69,7 @@ TEST(SerialReader, StopsDuringAnEndlessBurst) {
     if (std::exchange(first, false)) reader.stop();
   });
   reader.run();
-  EXPECT_EQ(messages.count(), 0U) << "what it had by then is no whole message";
+  EXPECT_EQ(messages.count(), 0U) << "an unfinished message was delivered";
 }
 
 TEST(SerialReader, DropsAMessageUpToItsEndWhenMemoryRunsOut) {

@@ -20,7 +20,7 @@ namespace {
 
 constexpr Window kNoWindow = 1;
 
-// Handlers as a host or a toolkit has them.
+// Handlers like those of a host and of a toolkit.
 int hostErrors = 0;
 int toolkitErrors = 0;
 XErrorHandler belowToolkit = nullptr;
@@ -128,7 +128,7 @@ TEST_F(XConnectionTest, ALossRaisesNoSignal) {
   const XConnection connection = XConnection::open();
   server_.kill();
   EXPECT_FALSE(connection.call([](Display* display) {
-    // As the kernel does when a write comes later than the server's end.
+    // As the kernel does when a write follows the server's death.
     std::raise(SIGPIPE);
     XSync(display, False);
   }));
@@ -159,7 +159,7 @@ TEST_F(XConnectionTest, IsEmptyWhenTheServerDiesAtAnyRequestOfItsOpening) {
   }
 }
 
-// A toolkit's handler above the driver's, which leaves the rest to the display's exit handler.
+// A toolkit's handler above the driver's may return; Xlib then calls the display's exit handler.
 TEST_F(XConnectionTest, IsLostUnderAForeignHandlerThatReturns) {
   const XConnection connection = XConnection::open();
   const XIOErrorHandler before = XSetIOErrorHandler([](Display*) { return 0; });

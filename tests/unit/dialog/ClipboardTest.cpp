@@ -50,7 +50,7 @@ class Requestor {
     return reply->atom;
   }
 
-  // The clipboard as `target`; none when its owner refuses.
+  // The clipboard as `target`; empty when its owner refuses.
   std::optional<Property> ask(const std::string& target, xcb_timestamp_t time = XCB_CURRENT_TIME) {
     return request(atom(target), atom("ANSWER"), time) ? read(atom("ANSWER")) : std::nullopt;
   }
@@ -83,7 +83,7 @@ class Requestor {
                         static_cast<std::uint32_t>(atoms.size()), atoms.data());
   }
 
-  // Asks, and is gone before the answer comes.
+  // Asks, and disappears before the answer comes.
   void askAndVanish() {
     xcb_convert_selection(connection_, window_, atom("CLIPBOARD"), atom("UTF8_STRING"),
                           atom("ANSWER"), XCB_CURRENT_TIME);
@@ -114,7 +114,7 @@ class Clipboard : public rig::OnScreen {
     threadsBefore_ = rig::settledThreadCount();
   }
 
-  // How many threads there are while no text is held.
+  // The number of threads while no text is held.
   inline static std::size_t threadsBefore_ = 0;
 };
 
@@ -192,7 +192,7 @@ TEST_F(Clipboard, RefusesSeveralRequestsWithoutAList) {
   EXPECT_FALSE(requestor.request(requestor.atom("MULTIPLE"), XCB_NONE));
 }
 
-// Programs older than the conventions.
+// As obsolete clients do.
 TEST_F(Clipboard, ChoosesThePropertyWhenTheRequestNamesNone) {
   ASSERT_TRUE(clip::set_text("text"));
   Requestor requestor;
@@ -214,7 +214,7 @@ TEST_F(Clipboard, HoldsTheLatestTextOnly) {
 
 TEST_F(Clipboard, OutlivesARequestorThatVanishes) {
   ASSERT_TRUE(clip::set_text("text"));
-  // Stays connected: the server would give the next client the same numbers, and so the answer.
+  // Stays connected, or the server would give its IDs, and so the answer, to the next client.
   Requestor vanished;
   vanished.askAndVanish();
   Requestor requestor;

@@ -42,7 +42,7 @@ TEST(DevTestDialog, HasNoOtherTexts) {
   EXPECT_EQ(dialog.LoadString(static_cast<Dialog::STRING_ID>(-1)), "");
 }
 
-// A message that comes while no window is open waits for none.
+// A message that comes while no window is open is not kept for the next one.
 TEST(DevTestDialog, DropsAMessageWithoutAWindow) {
   {
     Dialog dialog = dialogIn(true);

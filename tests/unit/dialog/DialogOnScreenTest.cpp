@@ -1,4 +1,4 @@
-// The dialog object on a real X server: what no host can reach through the library.
+// The dialog object on a real X server: cases that a host cannot reach through the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,7 +47,7 @@ TEST_F(DialogOnScreen, ListsScansInEachDataType) {
   });
 }
 
-// From eight readers at once, none of which waits for its rows to be shown.
+// Eight readers at once, which do not wait for their rows to be shown.
 TEST_F(DialogOnScreen, ListsAFloodInOrderPerSource) {
   inOwnProcess([] {
     constexpr int kSources = 8;
@@ -76,7 +76,7 @@ TEST_F(DialogOnScreen, DropsScansAfterTheWindowIsClosed) {
   inOwnProcess([] {
     DevTestDialogLinux dialog({}, {}, false, kBase64);
     rig::whileTestWindowIsOpen([&] { dialog.ShowDlg(); }, [](TestWindow&) {});
-    // What the X server still has to say about the window.
+    // Handle the X server's last events about the window.
     gdk_flush();
     while (g_main_context_iteration(nullptr, FALSE)) continue;
     dialog.OnInput(L"COM1", L"late");
@@ -84,7 +84,7 @@ TEST_F(DialogOnScreen, DropsScansAfterTheWindowIsClosed) {
   });
 }
 
-// GTK's own handlers end the process.
+// GTK's own error handlers would end the process.
 TEST_F(Gtk, IsPreparedBelowTheErrorHandlersOfTheDriver) {
   inOwnProcess([] {
     installXErrorHandlers();

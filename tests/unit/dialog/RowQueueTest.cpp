@@ -32,7 +32,7 @@ TEST(RowQueue, NeverShowsARowOnTheThreadThatPushesIt) {
   EXPECT_EQ(shownOn, std::this_thread::get_id());
 }
 
-// More rows than are shown in one go, while they still come.
+// More rows than are shown in one pass, and they keep coming.
 TEST(RowQueue, LosesNoRowFromManyThreads) {
   constexpr int kThreads = 8;
   constexpr int kRows = 250;

@@ -22,8 +22,8 @@ namespace {
 namespace fs = std::filesystem;
 using Builder = LinuxParametersTableBuilder;
 
-// Replaces find(1) by a program that prints what the test wants for each pattern. It is the only
-// program on the PATH, and there is no display either.
+// Replaces find(1) with a program that prints what the test wants for each pattern, leaves nothing
+// else on the PATH, and removes the display.
 class FakeFind {
  public:
   FakeFind() {

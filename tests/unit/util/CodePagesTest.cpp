@@ -110,7 +110,7 @@ TEST(ConvertMbsToWcs, EndsAtTheFirstNul) {
   EXPECT_EQ(ConvertMbsToWcs("ab\0cd"s, L"UTF-8"), L"ab");
   EXPECT_EQ(ConvertMbsToWcs("\0cd"s, L"UTF-8"), L"");
   EXPECT_EQ(ConvertMbsToWcs("ab\0cd"s, L"Windows-1251"), L"ab");
-  // The rest must be valid all the same.
+  // The rest must still be valid.
   EXPECT_EQ(ConvertMbsToWcs("ab\0\xFF"s, L"UTF-8"), L"");
 }
 

@@ -18,7 +18,7 @@ using namespace std::string_literals;
 // The result of btowc for a number that is not a byte.
 constexpr wchar_t kNoCharacter = static_cast<wchar_t>(WEOF);
 
-// Another implementation of the form: codes each byte by itself, then joins neighbouring groups.
+// An independent implementation: codes each byte by itself, then joins adjacent groups.
 std::string expectedHRS(const std::string& raw) {
   constexpr char kOpen = '\1';
   constexpr char kClose = '\2';

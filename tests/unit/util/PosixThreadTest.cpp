@@ -30,7 +30,7 @@ std::string blockedSignals(const sigset_t& mask) {
   return text;
 }
 
-// While it lives, no thread can be created: none can have so much stack.
+// While it exists, no thread can be created: the default stack is impossibly large.
 class ImpossibleThreads {
  public:
   ImpossibleThreads() {
@@ -81,7 +81,7 @@ void* keepStackSize(void* size) {
   return nullptr;
 }
 
-// In a thread that was started with the argument.
+// Measured in a thread that was started with the argument.
 std::size_t stackSize(std::size_t stackBytes) {
   std::size_t size = 0;
   PosixThread thread;
@@ -178,7 +178,7 @@ TEST(DropExceptions, TellsWhetherSomethingWasThrown) {
   EXPECT_FALSE(dropExceptions([] { throw 1; }));
 }
 
-// What a thread was seen doing that ends in the middle of an operation.
+// What a thread that ends in the middle of an operation got to do.
 struct Seen {
   bool unwound = false;
   bool wentOn = false;
