@@ -1,4 +1,4 @@
-// Host variants as tests need them.
+// The host's variants, and those that no real host would send.
 #pragma once
 
 #include <cstdint>
@@ -7,19 +7,22 @@
 #include <vector>
 
 #include "host/Variant.h"
+#include "tools/common/HostVariants.h"
 
 namespace rig {
 
+using terminal::boolVariant;
+using terminal::textVariant;
+
 inline tVariant variantOfType(unsigned type) {
-  tVariant variant;
-  std::memset(&variant, 0, sizeof variant);
+  tVariant variant = terminal::emptyVariant();
   variant.vt = static_cast<std::uint16_t>(type);
   return variant;
 }
 
 inline tVariant numberVariant(std::int32_t number, unsigned type = VTYPE_I4) {
-  tVariant variant = variantOfType(type);
-  variant.intValue = number;
+  tVariant variant = terminal::numberVariant(number);
+  variant.vt = static_cast<std::uint16_t>(type);
   return variant;
 }
 
@@ -27,24 +30,6 @@ inline tVariant doubleVariant(double number, unsigned type = VTYPE_R8) {
   tVariant variant = variantOfType(type);
   variant.doubleValue = number;
   return variant;
-}
-
-inline tVariant boolVariant(bool value) {
-  tVariant variant = variantOfType(VTYPE_BOOL);
-  variant.boolValue = value;
-  return variant;
-}
-
-// Refers to `text`, which must outlive it. A null text and a length of its own are allowed.
-inline tVariant textVariant(const WCHAR_T* text, std::uint32_t length) {
-  tVariant variant = variantOfType(VTYPE_PWSTR);
-  variant.wide.text = const_cast<WCHAR_T*>(text);
-  variant.wide.length = length;
-  return variant;
-}
-
-inline tVariant textVariant(const WCHAR_T* text) {
-  return textVariant(text, static_cast<std::uint32_t>(std::char_traits<WCHAR_T>::length(text)));
 }
 
 // The text of a string variant that came back, by its own length.

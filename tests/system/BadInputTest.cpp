@@ -4,13 +4,14 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <optional>
 #include <string>
 
 #include "tests/rig/HostCodes.h"
 #include "tests/rig/SerialDriver.h"
+#include "tests/rig/Variants.h"
+#include "tools/common/HostVariants.h"
 
 namespace {
 
@@ -49,8 +50,7 @@ void expectWorking(SerialDriver& driver) {
 
 // A variant whose bytes other than the type code make no sense as any type.
 tVariant hostile(std::uint16_t type) {
-  tVariant variant;
-  std::memset(&variant, 0x5A, sizeof variant);
+  tVariant variant = rig::untouchedVariant();
   variant.vt = type;
   return variant;
 }

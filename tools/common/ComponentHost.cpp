@@ -6,10 +6,10 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 
 #include "tools/common/HostText.h"
+#include "tools/common/HostVariants.h"
 
 namespace terminal {
 
@@ -53,34 +53,6 @@ bool HostConnection::SetEventBufferDepth(long depth) {
 bool HostConnection::ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) {
   events_.push({copyOf(source), copyOf(message), copyOf(data), std::chrono::system_clock::now()});
   return true;
-}
-
-tVariant emptyVariant() {
-  tVariant variant;
-  std::memset(&variant, 0, sizeof variant);
-  return variant;
-}
-
-tVariant numberVariant(std::int32_t number) {
-  tVariant variant = emptyVariant();
-  variant.intValue = number;
-  variant.vt = VTYPE_I4;
-  return variant;
-}
-
-tVariant boolVariant(bool value) {
-  tVariant variant = emptyVariant();
-  variant.boolValue = value;
-  variant.vt = VTYPE_BOOL;
-  return variant;
-}
-
-tVariant textVariant(const std::u16string& text) {
-  tVariant variant = emptyVariant();
-  // The contract has no pointers to constants; a component only reads its arguments.
-  variant.wide = {const_cast<WCHAR_T*>(text.c_str()), static_cast<std::uint32_t>(text.size())};
-  variant.vt = VTYPE_PWSTR;
-  return variant;
 }
 
 Component::Component(ComponentLibrary& library, const std::u16string& className)

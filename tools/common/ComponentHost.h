@@ -75,12 +75,6 @@ class HostConnection : public IAddInDefBaseEx {
   long eventBufferDepth_ = -1;
 };
 
-// Variants of the host's side. The text of a string variant stays the caller's.
-tVariant emptyVariant();
-tVariant numberVariant(std::int32_t number);
-tVariant boolVariant(bool value);
-tVariant textVariant(const std::u16string& text);
-
 // One initialised component. Used on one thread.
 class Component {
  public:

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "tools/common/HostText.h"
+#include "tools/common/HostVariants.h"
 #include "tools/host/PortFile.h"
 
 namespace terminal {
