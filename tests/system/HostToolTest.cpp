@@ -9,12 +9,14 @@
 
 #include "QuorvelVersion.h"
 #include "tests/rig/Program.h"
+#include "tests/rig/Refusals.h"
 #include "tests/rig/SerialDriver.h"
 
 namespace {
 
 using rig::Ending;
 using rig::Program;
+using rig::Refusal;
 using rig::Words;
 using terminal::LineSetting;
 using terminal::SerialLine;
@@ -163,13 +165,6 @@ TEST(HostTool, TheLibraryMayBeNamed) {
   EXPECT_THAT(ending.output, HasSubstr("Ostrak: Input device driver"));
 }
 
-struct Refusal {
-  Words words;
-  int code;
-  const char* english;
-  const char* russian;
-};
-
 const Refusal kRefusals[] = {
     {{}, 2, "a command is missing (see --help)", "нет команды (см. --help)"},
     {{"scan"}, 2, "unknown command scan (see --help)", "неизвестная команда scan (см. --help)"},
@@ -232,18 +227,7 @@ const Refusal kRefusals[] = {
 };
 
 TEST(HostTool, SaysInOneLineWhatIsWrong) {
-  for (const Refusal& refusal : kRefusals) {
-    for (const auto& [locale, text] :
-         {std::pair(kEnglish, refusal.english), std::pair(kRussian, refusal.russian)}) {
-      const Ending ending = rig::run(hostWords(refusal.words), locale);
-      EXPECT_EQ(ending.code, refusal.code) << ending.errors;
-      EXPECT_EQ(ending.output, "");
-      EXPECT_THAT(ending.errors, StartsWith("quorvel-host: "));
-      EXPECT_EQ(ending.errors.find('\n'), ending.errors.size() - 1) << ending.errors;
-      if (!text) continue;
-      EXPECT_EQ(ending.errors, std::string("quorvel-host: ") + text + "\n");
-    }
-  }
+  for (const Refusal& refusal : kRefusals) rig::expectRefusal(rig::hostPath(), refusal);
 }
 
 TEST(HostTool, HelpMayStandAnywhereOnTheCommandLine) {
