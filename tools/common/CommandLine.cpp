@@ -31,7 +31,7 @@ constexpr Text kTo = {" to ", " до "};
 constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kSeeHelp = {" (see --help)", " (см. --help)"};
 
-// A number as a person writes it: no trailing zeros.
+// Without trailing zeros.
 std::string plain(double number) {
   std::string text = std::to_string(number);
   text.erase(text.find_last_not_of('0') + 1);
@@ -48,7 +48,7 @@ std::vector<option> toGetopt(const std::vector<Option>& options) {
   return table;
 }
 
-// The words that options and commands are read from; what follows "--" is text.
+// Everything after "--" is text.
 Arguments::const_iterator endOfOptions(const Arguments& words) {
   return std::find(words.begin(), words.end(), "--");
 }
@@ -77,7 +77,7 @@ void printHelp(const Command& command) {
   if (command.printMoreHelp) command.printMoreHelp();
 }
 
-// `words` ask for help in the manner of an option: of the first command among them, if any.
+// For --help: the help of the first command among the words, if any.
 int helpByOption(const ProgramDescription& program, const Arguments& words) {
   for (auto word = words.begin(); word != endOfOptions(words); ++word) {
     const Command* const command = commandNamed(program, *word);
@@ -110,7 +110,7 @@ Arguments readOptions(const Arguments& arguments, const std::vector<Option>& opt
   argv.push_back(nullptr);
   const int argc = static_cast<int>(argv.size()) - 1;
   const char* const mode = stopAtFirst ? "+:" : ":";
-  optind = 0;  // getopt's own way to begin anew
+  optind = 0;  // resets getopt
   int index = 0;
   for (int found; (found = getopt_long(argc, argv.data(), mode, table.data(), &index)) != -1;) {
     const std::string word = argv[static_cast<std::size_t>(optind - 1)];
@@ -162,7 +162,7 @@ std::string readFile(const std::string& path) {
 }
 
 int runProgram(const char* name, const std::function<int()>& body) {
-  // A reader that has gone shows in the next write instead.
+  // Let writing to a closed pipe fail instead.
   std::signal(SIGPIPE, SIG_IGN);
   try {
     const int code = body();

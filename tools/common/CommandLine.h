@@ -1,4 +1,4 @@
-// Reading a command line by a table of options, and the shape of a program with commands.
+// Command lines: a table-driven option parser, and programs made of commands.
 #pragma once
 
 #include <cstdint>
@@ -27,17 +27,18 @@ struct Option {
   std::function<void(const std::string& value)> apply;
 };
 
-// Applies the options in their order and returns the other arguments. With `stopAtFirst` everything
-// from the first other argument on is returned unread. Throws UsageError.
+// Applies the options in the order given and returns the other arguments. With `stopAtFirst`,
+// parsing ends at the first argument that is not an option, and the rest is returned as it is.
+// Throws UsageError.
 Arguments readOptions(const Arguments& arguments, const std::vector<Option>& options,
                       bool stopAtFirst = false);
 
-// One thing that a program does, by the first word of its command line.
+// A subcommand, named by the first word of the command line.
 struct Command {
   const char* name;
   Text help;
   std::function<int(const Arguments& arguments)> run;
-  // Prints what the help can only tell at run time; may be empty.
+  // Prints the part of the help that is known only at run time; may be empty.
   std::function<void()> printMoreHelp = {};
 };
 
@@ -48,21 +49,21 @@ struct ProgramDescription {
   std::vector<Command> commands;
 };
 
-// Runs the command that `words` name, with the words after it. --help or -h, at any place before a
-// "--", prints the help of the program or of the command instead, as `help [COMMAND]` does;
-// --version prints the version. Throws UsageError.
+// Runs the command that `words` name, with the words after it, and returns the exit code. --help or
+// -h anywhere before a "--" prints the help of the program or of the command instead, as does
+// `help [COMMAND]`; --version prints the version. Throws UsageError.
 int runCommand(const ProgramDescription& program, const Arguments& words);
 
-// A number in decimal, within bounds. Throws UsageError, which names `what`.
+// A decimal number within the bounds. Otherwise throws UsageError, with `what` in its message.
 double numberFrom(const std::string& text, const char* what, double lowest, double highest);
 std::int32_t integerFrom(const std::string& text, const char* what, std::int32_t lowest,
                          std::int32_t highest);
 
-// The whole content of a file; throws std::runtime_error.
+// The whole content of a file. Throws std::system_error.
 std::string readFile(const std::string& path);
 
-// Runs the body of a program, and turns what it throws into one line and an exit code: 2 for a
-// UsageError, 1 for everything else, an output that cannot be written among it.
+// Runs the body of a program. An exception becomes one line of error output and the exit code: 2
+// for a UsageError, 1 for any other, including standard output that cannot be written.
 int runProgram(const char* name, const std::function<int()>& body);
 
 }  // namespace terminal

@@ -1,5 +1,5 @@
-// A host for one component, as small as a host can be: it loads the library, creates a component,
-// calls its methods by name, and receives its events. Everything goes through the binary contract.
+// A minimal host for one component: loads the library, creates a component, calls its methods by
+// name, and receives its events. Uses nothing but the binary interface.
 #pragma once
 
 #include <atomic>
@@ -18,10 +18,10 @@
 
 namespace terminal {
 
-// The library's four functions. The library is unloaded with its owner.
+// The library's four functions. Unloads the library when destroyed.
 class ComponentLibrary {
  public:
-  // Loads with RTLD_NOW. Throws std::runtime_error with one line of reason.
+  // Loads with RTLD_NOW. Throws std::runtime_error with a one-line reason.
   explicit ComponentLibrary(const std::string& path);
 
   const WCHAR_T* (*GetClassNames)();
@@ -38,7 +38,7 @@ class ComponentLibrary {
   std::unique_ptr<void, Unloader> library_;
 };
 
-// Memory that a component hands over. Counts what is out, so that tests see what is never freed.
+// Allocates what a component returns. Counts the blocks not yet freed, so that tests notice leaks.
 class HostMemory : public IMemoryManager {
  public:
   bool AllocMemory(void** block, unsigned long bytes) override;
@@ -67,7 +67,7 @@ class HostConnection : public IAddInDefBaseEx {
   void Reserved11() override {}
   void Reserved12() override {}
 
-  // What the component asked for; -1 before it has.
+  // The depth that the component asked for; -1 until it does.
   long eventBufferDepth() const { return eventBufferDepth_; }
 
  private:
@@ -78,7 +78,7 @@ class HostConnection : public IAddInDefBaseEx {
 // One initialised component. Used on one thread.
 class Component {
  public:
-  // Throws std::runtime_error with one line of reason.
+  // Throws std::runtime_error with a one-line reason.
   Component(ComponentLibrary& library, const std::u16string& className);
   // Closes its devices.
   ~Component();
@@ -90,15 +90,15 @@ class Component {
   HostMemory& memory() { return memory_; }
   HostConnection& connection() { return connection_; }
 
-  // Calls a method by its English name: its result, none when the call failed. A string among
-  // results or outputs is the component's, to be read with takeText, which frees it. Throws
-  // std::runtime_error for a method that the component has not.
+  // Calls a method by its English name. Returns its result, or nothing when the call failed.
+  // Strings in the result and the outputs must be read with takeText, which frees them. Throws
+  // std::runtime_error when there is no such method.
   std::optional<tVariant> call(std::u16string_view method, std::span<tVariant> params = {});
 
-  // The text of a string variant, whose memory is freed.
+  // The text of a string variant; frees its memory and empties the variant.
   std::u16string takeText(tVariant& variant);
 
-  // Methods with one text as their result or only output.
+  // Methods whose result or only output is a text.
   std::u16string version();
   std::u16string lastError();
   std::u16string parameters();
@@ -106,12 +106,12 @@ class Component {
   // The seven outputs of the description, texts freed and numbers in decimal.
   std::vector<std::u16string> description();
 
-  // Whether the parameter is known; a value that is refused is not told.
+  // False when there is no such parameter. A refused value is not reported.
   bool setParameter(const std::u16string& name, tVariant value);
   bool setParameter(const std::u16string& name, const std::u16string& value);
   bool setParameter(const std::u16string& name, std::int32_t value);
 
-  // The identifier of the opened device, or none.
+  // The identifier of the opened device; nothing when it cannot be opened.
   std::optional<std::u16string> open();
   bool close(const std::u16string& id);
 

@@ -1,4 +1,4 @@
-// Ctrl-C and its like, as something to wait for.
+// Ctrl-C and the other requests to end, as something to wait for.
 #pragma once
 
 #include <chrono>
@@ -7,8 +7,8 @@
 
 namespace terminal {
 
-// While it lives, the signals that ask a program to end do not end it; the descriptor becomes
-// readable instead, and stays so. Made on the main thread before any other thread.
+// While it lives, SIGINT, SIGTERM and SIGHUP do not end the program; they make the descriptor
+// readable, for good. Must be created on the main thread, before any other thread is started.
 class EndSignals {
  public:
   // Throws std::system_error.
@@ -18,7 +18,7 @@ class EndSignals {
 
   // Waits until such a signal comes.
   void wait() const;
-  // Rests for the time, at most an hour, or until such a signal comes: true when it has.
+  // Waits for at most `time`, which may be up to an hour. True when such a signal has come.
   bool wait(std::chrono::microseconds time) const;
 
  private:

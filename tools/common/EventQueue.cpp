@@ -8,7 +8,7 @@
 
 namespace terminal {
 
-// A semaphore: it counts the events in the queue.
+// As a semaphore, the descriptor counts the events in the queue.
 EventQueue::EventQueue() : descriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE)) {
   if (!descriptor_) throw std::system_error(errno, std::generic_category(), "eventfd");
 }

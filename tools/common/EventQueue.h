@@ -1,4 +1,4 @@
-// The external events that a component has raised, in their order.
+// The external events that a component has raised, oldest first.
 #pragma once
 
 #include <chrono>
@@ -27,13 +27,13 @@ class EventQueue {
 
   void push(Event event);
 
-  // The oldest event, or nothing when none comes within the time.
+  // Removes and returns the oldest event; nothing if none comes within the time.
   std::optional<Event> take(std::chrono::milliseconds patience);
 
-  // The oldest `count` events, or as many as came, each within `patience` of the one before it.
+  // The same for `count` events. Fewer if one does not come within `patience` of the one before it.
   std::vector<Event> take(std::size_t count, std::chrono::milliseconds patience);
 
-  // Readable, for poll(2), while the queue holds something. Owned by the queue.
+  // For poll(2): readable while the queue is not empty. Owned by the queue.
   int descriptor() const { return descriptor_.get(); }
 
  private:

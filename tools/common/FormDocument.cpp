@@ -57,7 +57,7 @@ FormPage pageOf(const pugi::xml_node& element) {
 
 std::vector<FormPage> readForm(std::string_view document) {
   pugi::xml_document xml;
-  // A name that is only blanks is a name.
+  // Keep a choice whose name consists of blanks only.
   const pugi::xml_parse_result result = xml.load_buffer(
       document.data(), document.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
   if (!result) throw std::runtime_error(std::string("the form is no XML: ") + result.description());

@@ -1,4 +1,4 @@
-// The settings form of a component, read from its document.
+// A component's settings form, parsed from its XML.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ struct FormChoice {
   std::string text;
 };
 
-// Shown only while another parameter has a value, or has another one.
+// The parameter is shown only while another one has, or does not have, a certain value.
 struct FormCondition {
   std::string parameter;
   std::string operation;  // "Equal" or "NotEqual"
@@ -28,7 +28,7 @@ struct FormParameter {
   std::string type;  // "Number" or "String"
   std::string defaultValue;
   std::optional<FormCondition> condition;
-  std::optional<std::vector<FormChoice>> choices;  // without them any value may be entered
+  std::optional<std::vector<FormChoice>> choices;  // without it any value may be entered
 };
 
 struct FormGroup {
@@ -41,7 +41,8 @@ struct FormPage {
   std::vector<FormGroup> groups;
 };
 
-// Reads a document in UTF-8. Throws std::runtime_error when it is no XML, or no settings form.
+// Parses a document in UTF-8. Throws std::runtime_error when it is not well-formed or not a
+// settings form.
 std::vector<FormPage> readForm(std::string_view document);
 
 }  // namespace terminal

@@ -15,7 +15,7 @@
 namespace terminal {
 namespace {
 
-// The messages of the inputtest driver, as they stand on the socket.
+// The inputtest driver's messages, in their wire format.
 enum class MessageType : std::uint32_t { kServerVersion = 0, kClientVersion = 0, kKey = 5 };
 
 struct Version {
@@ -44,7 +44,7 @@ class InputTestKeyboard final : public VirtualKeyboard {
     if (!socket_) throwErrno(errno, "socket");
     connectTo(path);
     send(Version());
-    // A driver that has served another connection does not answer.
+    // The driver accepts a second connection but never answers it.
     const timeval patience{.tv_sec = 5, .tv_usec = 0};
     setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
     Version answer;
@@ -69,7 +69,7 @@ class InputTestKeyboard final : public VirtualKeyboard {
 
   template <typename Message>
   void send(const Message& message) {
-    // The driver reads as fast as keys come; a message is far smaller than the socket's buffer.
+    // Never partial: a message is far smaller than the socket's buffer, and the driver keeps up.
     const ssize_t sent = ::send(socket_.get(), &message, sizeof(message), MSG_NOSIGNAL);
     if (sent != sizeof(message)) throwErrno(sent < 0 ? errno : EIO, "keyboard");
   }
@@ -102,7 +102,7 @@ class XTestKeyboard final : public VirtualKeyboard {
   std::unique_ptr<Display, Closer> display_;
 };
 
-// Keys that lie side by side: their characters without and with Shift.
+// Neighbouring keys: their characters without and with Shift.
 struct Row {
   std::uint8_t firstCode;
   std::string_view plain;

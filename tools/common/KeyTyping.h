@@ -1,4 +1,4 @@
-// Typing as a scanner that is a keyboard does.
+// Typing, the way a keyboard-wedge scanner does.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@
 
 namespace terminal {
 
-// A key by the place it has on a PC keyboard: the key codes that X servers on Linux use (the
-// kernel's code plus 8). What the key means is up to the server's layout.
+// A key by its position on a PC keyboard: the key codes that X servers on Linux use (the kernel's
+// code plus 8). The server's layout decides what the key means.
 enum class Key : std::uint8_t {
   kTab = 23,
   kReturn = 36,
@@ -44,15 +44,15 @@ class VirtualKeyboard {
  public:
   virtual ~VirtualKeyboard() = default;
 
-  // Throws std::system_error when the keyboard has gone away. The X server may not have processed
-  // the key yet.
+  // Both may return before the X server has processed the key. Throw std::system_error when the
+  // keyboard is gone.
   virtual void press(Key key) = 0;
   virtual void release(Key key) = 0;
 };
 
 // A keyboard of an X server's `inputtest` driver, reached through the socket at `socketPath`. The
-// driver serves the first connection, and no other after it. Throws std::system_error when there is
-// none to be had.
+// driver serves only the first connection ever made. Throws std::system_error when it cannot be
+// reached or does not answer.
 std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath);
 
 // The keyboard that the XTEST extension of the default display offers: types into whatever has the
@@ -69,12 +69,13 @@ struct Stroke {
   std::optional<Key> modifier;
 };
 
-// What types a character on the US layout: printable ASCII, tab, carriage return or line feed
-// (Return), and the group separator (Control and right bracket). None for any other character.
+// The stroke that types a character on the US layout: printable ASCII, tab, carriage return or line
+// feed (Return), and the group separator (Control and right bracket). Empty for any other
+// character.
 std::optional<Stroke> strokeFor(char character);
 
-// Types what a scanner set to the US layout types for `text`. Throws std::invalid_argument, before
-// a key is pressed, for a character that no key types.
+// Types `text` as a scanner set to the US layout does. Throws std::invalid_argument, before any key
+// is pressed, if no key types one of the characters.
 void type(VirtualKeyboard& keyboard, std::string_view text);
 
 }  // namespace terminal

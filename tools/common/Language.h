@@ -1,5 +1,4 @@
-// The tools speak the language of their user: Russian where the locale's language is Russian, else
-// English.
+// The language that the tools speak: Russian in a Russian locale, English in any other.
 #pragma once
 
 namespace terminal {
@@ -9,10 +8,11 @@ struct Text {
   const char* russian;
 };
 
-// The text in the user's language, as the environment's LC_ALL, LC_MESSAGES or LANG name it.
+// The text in the user's language, taken from the first of LC_ALL, LC_MESSAGES and LANG that is
+// set.
 const char* say(const Text& text);
 
-// The name of that locale as the host contract knows it: "ru_RU" or "en_US".
+// The locale to tell a component: "ru_RU" or "en_US".
 const char16_t* userLocale();
 
 }  // namespace terminal

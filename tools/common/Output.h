@@ -1,16 +1,16 @@
-// Standard output, whose failure is an error like any other.
+// Standard output with its failures reported.
 #pragma once
 
 #include <string_view>
 
 namespace terminal {
 
-// Write a text, or a text as a line, to standard output, at once. Throw std::system_error when the
-// output cannot take it: a full disk, a pipe whose reader has gone.
+// Write a text, or a text and a line feed, to standard output and flush it. Throw std::system_error
+// on failure: a full disk, a pipe whose reader is gone.
 void write(std::string_view text);
 void writeLine(std::string_view line);
 
-// Hands over what was written through std::cout; throws like write.
+// Flushes std::cout; throws like write.
 void flushOutput();
 
 }  // namespace terminal

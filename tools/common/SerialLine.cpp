@@ -15,19 +15,19 @@
 namespace terminal {
 namespace {
 
-// The value that switches a special character off.
+// Disables a special character.
 constexpr cc_t kNoCharacter = _POSIX_VDISABLE;
 
 void check(bool done, const char* what) {
   if (!done) throw std::system_error(errno, std::generic_category(), what);
 }
 
-// What there is to do when a line is not open any more: it reports the hangup without end, and no
-// new reader's coming.
-void rest(int cancel) {
-  constexpr int kRest = 10;  // milliseconds
+// For a line that nobody has open: poll keeps reporting the hangup at once, and never the arrival
+// of the next reader.
+void sleepUnlessCancelled(int cancel) {
+  constexpr int kPause = 10;  // milliseconds
   pollfd cancelled = {cancel, POLLIN, 0};
-  poll(&cancelled, 1, kRest);
+  poll(&cancelled, 1, kPause);
 }
 
 void setFramed(termios& line) {
@@ -49,7 +49,7 @@ SerialLine::SerialLine(LineSetting setting)
   char path[64];
   check(ptsname_r(master_.get(), path, sizeof path) == 0, "cannot name the pseudo terminal");
   port_ = path;
-  // Set through the master: the slave need not be opened, and stays as set until it is.
+  // Set through the master, which does not need the slave to be open; the setting stays.
   termios line;
   check(tcgetattr(master_.get(), &line) == 0, "cannot read the line setting");
   if (setting == LineSetting::kFramed) setFramed(line);
@@ -82,8 +82,8 @@ bool SerialLine::waitForReader(int cancel, std::chrono::milliseconds patience) {
     check(ready >= 0, "cannot wait for a reader");
     if (ready == 0 || waits[1].revents) return false;
     if (!(waits[0].revents & POLLIN)) {
-      // Somebody has looked at the port and left again without being a reader, as stty(1) does.
-      rest(cancel);
+      // A program opened and closed the port without reading, as stty(1) does.
+      sleepUnlessCancelled(cancel);
       continue;
     }
     char packet[1024];
@@ -99,7 +99,7 @@ bool SerialLine::send(std::string_view bytes, int cancel) {
     if (poll(waits, 2, -1) < 0) continue;
     if (waits[1].revents) return false;
     if (!(waits[0].revents & POLLOUT)) {
-      rest(cancel);
+      sleepUnlessCancelled(cancel);
       continue;
     }
     const ssize_t written = write(master_.get(), bytes.data(), bytes.size());

@@ -1,4 +1,4 @@
-// A serial line with a scanner at its far end: a pseudo terminal whose slave stands for the port.
+// A serial line with a scanner at its far end: a pseudo terminal whose slave acts as the port.
 #pragma once
 
 #include <chrono>
@@ -11,12 +11,12 @@ namespace terminal {
 
 // The line discipline decides what a reader of the port sees of a scan.
 enum class LineSetting {
-  // The kernel hands over a scan only when its last byte, a carriage return, has come, at any
-  // speed; every other byte but a line feed passes through.
+  // The kernel holds a scan back until its last byte, a carriage return, has come, however slowly.
+  // Every other byte except a line feed passes unchanged.
   kFramed,
-  // Bytes come as they come.
+  // Each byte is readable at once.
   kRaw,
-  // A fresh terminal: carriage return becomes line feed, and control characters have their effects.
+  // As a new terminal: carriage return becomes line feed, and control characters take effect.
   kCooked,
 };
 
@@ -32,18 +32,17 @@ class SerialLine {
   // The slave's own path, /dev/pts/N.
   const std::string& port() const { return port_; }
 
-  // Lets a symbolic link at `path` stand for the port. Nothing may be there before.
+  // Makes a symbolic link to the port at `path`, where nothing may exist yet.
   void link(const std::string& path);
 
-  // Waits until a reader has set up the port: it discards what came before, and to send earlier
-  // would be to send in vain. False when a byte can be read from `cancel` first (-1: never) or the
-  // time is over (negative: no limit).
+  // Waits until a reader has set up the port, which discards everything sent before. False when
+  // `cancel` becomes readable first (-1: never) or `patience` is over (negative: no limit).
   bool waitForReader(int cancel = -1,
                      std::chrono::milliseconds patience = std::chrono::milliseconds(-1));
 
-  // Sends bytes in as few writes as the line takes, or byte by byte with a pause after each, as a
-  // slow line does. Waits while the reader is behind. False when a byte can be read from `cancel`
-  // first (-1: never): what was not sent by then is lost.
+  // Send bytes in as few writes as possible, or one at a time with a pause after each, as a slow
+  // line does. Wait while the reader is behind. False when `cancel` becomes readable first (-1:
+  // never): what has not been sent by then is lost.
   bool send(std::string_view bytes, int cancel = -1);
   bool sendSlowly(std::string_view bytes, std::chrono::microseconds pause, int cancel = -1);
 

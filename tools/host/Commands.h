@@ -1,5 +1,5 @@
-// The commands of quorvel-host, and the help of each. A command reads its own arguments, throws
-// UsageError for what it cannot understand, and returns the exit code.
+// The commands of quorvel-host, each with its help. A command parses its own arguments, throws
+// UsageError when they are wrong, and returns the exit code.
 #pragma once
 
 #include "tools/common/CommandLine.h"
@@ -15,7 +15,7 @@ int runForm(ComponentLibrary& library, const Arguments& arguments);
 
 extern const Text kListenHelp;
 int runListen(ComponentLibrary& library, const Arguments& arguments);
-// The parameters that --set knows, as the component's form has them.
+// Prints the parameters that --set accepts, from the component's form.
 void printParameters(ComponentLibrary& library);
 
 extern const Text kListHelp;

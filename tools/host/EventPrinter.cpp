@@ -14,8 +14,8 @@
 namespace terminal {
 namespace {
 
-// The local time of an event, with milliseconds; `format` and `zone` are strftime's for what stands
-// before and after them.
+// The local time of an event. `format` and `zone` are strftime formats for the parts before and
+// after the milliseconds.
 std::string timeText(const Event& event, const char* format, const char* zone) {
   using namespace std::chrono;
   const std::time_t seconds = system_clock::to_time_t(floor<std::chrono::seconds>(event.time));

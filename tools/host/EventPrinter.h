@@ -1,4 +1,4 @@
-// Events as lines of the output.
+// Prints events, one line each.
 #pragma once
 
 #include "tools/common/EventQueue.h"
@@ -10,7 +10,7 @@ enum class EventFormat {
   kJson,  // one object with the members time, source, event and data
 };
 
-// Writes one line; throws std::system_error when the output cannot take it.
+// Throws std::system_error when standard output cannot be written.
 void print(const Event& event, EventFormat format);
 
 }  // namespace terminal

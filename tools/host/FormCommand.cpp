@@ -24,7 +24,7 @@ constexpr Text kParameters = {"parameters of --set (* marks the default):",
 constexpr Text kNothing = {"(nothing to choose from)", "(выбирать не из чего)"};
 constexpr const char* kTo = " … ";
 
-// Words of the document and what they say to a person.
+// Words of the document, and what to show for them.
 struct Word {
   std::string_view word;
   Text meaning;
@@ -40,7 +40,7 @@ std::string meaningOf(const std::string& word, const Word (&table)[Count]) {
   return known == std::end(table) ? " " + visible(word) + " " : say(known->meaning);
 }
 
-// Longer lists of choices are folded: more would fill the screen.
+// Longer lists of choices are folded, or they would fill the screen.
 constexpr std::size_t kLongList = 30;
 
 // Rows of the table: one choice, or a run of choices with consecutive values.
@@ -55,7 +55,7 @@ std::string shown(const FormParameter& parameter, const std::string& value) {
   return visible(parameter.type == "String" ? '"' + value + '"' : value);
 }
 
-// Whether the two belong to one run: numbers in sequence, by which their texts begin.
+// Whether the two belong to one run: consecutive numbers, each also the beginning of its text.
 bool follows(const FormChoice& choice, const FormChoice& before) {
   const auto number = [](const FormChoice& of) {
     return std::strtol(of.value.c_str(), nullptr, 10);
@@ -69,7 +69,7 @@ Row rowOf(const FormParameter& parameter, const FormChoice& choice) {
           choice.text == choice.value ? std::string() : visible(choice.text)};
 }
 
-// Where the run of choices that begins at `first` ends. The default stands alone.
+// The end of the run of choices that begins at `first`. The default is never part of a run.
 std::size_t endOfRun(const FormParameter& parameter, std::size_t first) {
   const std::vector<FormChoice>& choices = *parameter.choices;
   const auto isDefault = [&](std::size_t at) {
@@ -99,7 +99,7 @@ std::vector<Row> rowsOf(const FormParameter& parameter, bool folded) {
   return rows;
 }
 
-// Characters, not the bytes of UTF-8.
+// In characters, not in bytes of UTF-8.
 std::size_t widthOf(const std::string& text) { return toHostText(text).size(); }
 
 void printChoices(const FormParameter& parameter, bool all) {
@@ -185,7 +185,7 @@ int runForm(ComponentLibrary& library, const Arguments& arguments) {
   component.object().SetLocale(userLocale());
   const std::string document = toUtf8(component.parameters());
   if (xml) {
-    // A terminal gets no more of it than it can show.
+    // A terminal must not act on control characters in the document.
     std::cout << (isatty(STDOUT_FILENO) ? visible(document, "\t\r\n") : document) << '\n';
   } else {
     printForm(readForm(document), all);

@@ -33,7 +33,7 @@ HostWindow::HostWindow(const std::string& title) {
   hints.flags = InputHint;
   hints.input = True;
   XSetWMHints(display, window_, &hints);
-  // What reaches the window is no scan; it is taken, so that nothing else gets it.
+  // Select key presses only to consume them: unselected, they would go on to the parent window.
   XSelectInput(display, window_, KeyPressMask);
   show(title);
   XMapRaised(display, window_);

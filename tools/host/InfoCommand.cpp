@@ -27,7 +27,7 @@ constexpr Text kDescription[] = {
     {"download address", "адрес загрузки"},
 };
 
-// One line: a label and what it labels. Widths count characters, not the bytes of UTF-8.
+// Prints a label and its value on one line. Widths are in characters, not in bytes of UTF-8.
 void printRow(const std::u16string& label, const std::u16string& value, std::size_t width) {
   std::cout << "  " << visible(toUtf8(label))
             << std::string(width - std::min(width, label.size()), ' ') << "  "

@@ -52,7 +52,7 @@ ListenOptions listenOptionsFrom(const Arguments& arguments) {
   return listen;
 }
 
-// Prints events until `count` are out, a signal asks for the end, or the window is closed.
+// Prints events until there have been `count`, a signal asks to end, or the window is closed.
 void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTeller& presence,
                    std::optional<HostWindow>& window, const EndSignals& end) {
   constexpr int kBetweenLooks = 250;  // milliseconds
@@ -119,7 +119,7 @@ int runListen(ComponentLibrary& library, const Arguments& arguments) {
   component.object().SetLocale(userLocale());
   listen.device.applyTo(component);
   const Findings obstacles = examine(listen.device);
-  // The component opens any file, and would wait for its bytes for ever.
+  // The component opens any file, and would then wait for scans for ever.
   const bool isLine = !contains(obstacles, "not-a-line");
   const auto id = isLine ? component.open() : std::nullopt;
   if (!id) {
@@ -130,7 +130,7 @@ int runListen(ComponentLibrary& library, const Arguments& arguments) {
   tell(say(kListening) + toUtf8(*id) + say(kUntil));
   printUntilEnd(component.events(), listen, presence, window, end);
   component.close(*id);
-  // What was scanned before the device was closed has been scanned.
+  // Scans that came before the device was closed still count.
   while (const auto event = component.events().take(std::chrono::milliseconds(0))) {
     print(*event, listen.format);
   }

@@ -18,7 +18,7 @@ constexpr Text kSilence = {"nothing has come yet; to find out why: ",
 constexpr Text kGone = {"the device has gone: ", "устройство отключено: "};
 constexpr Text kBack = {"the device is back: ", "устройство снова подключено: "};
 
-// The words after which a shell starts this program's doctor on the device.
+// The shell command that runs the doctor on the device.
 std::string doctorCommand(const DeviceOptions& device) {
   return "quorvel-host doctor " + (device.port ? "--port " + std::to_string(*device.port)
                                                : "--keyboard '" + *device.keyboard + "'");

@@ -1,4 +1,4 @@
-// What listen says on its error output beside the scans.
+// What listen reports on standard error.
 #pragma once
 
 #include <chrono>
@@ -11,24 +11,24 @@
 
 namespace terminal {
 
-// Writes one line, made safe to show, to the error output.
+// Writes one line to standard error, made safe to show.
 void tell(const std::string& message);
 
-// Looks at the device from outside the component and warns of what may keep scans from arriving.
-// What may keep the device from being opened is returned.
+// Examines the device without the component, and warns of anything that may keep scans from
+// arriving. Returns what may keep the device from being opened.
 Findings examine(const DeviceOptions& device);
 
-// Tells why the device was not opened: the component's text, which says no more than that, and
-// beneath it what stands in the way.
+// Reports that the device was not opened: the component's message, which gives no reason, and then
+// the reasons.
 void tellFailure(const std::string& componentText, const Findings& reasons);
 
-// Tells when the device goes and when it is back.
+// Reports when the device disappears and when it returns.
 class PresenceTeller {
  public:
-  // Before the component opens the device.
+  // Must be made before the component opens the device.
   explicit PresenceTeller(const DeviceOptions& device);
 
-  // Takes the device as it is now for the one that was opened.
+  // The device present now is the one that was opened.
   void begin() { identity_ = presence_->identity(); }
 
   void look();
@@ -39,7 +39,7 @@ class PresenceTeller {
   std::string identity_;
 };
 
-// Tells once, after a while without any scan, how to find out why.
+// Says once, after a while without a scan, how to find out why.
 class SilenceHint {
  public:
   explicit SilenceHint(const DeviceOptions& device) : device_(device) {}

@@ -61,7 +61,7 @@ std::string libraryBesideProgram() {
   return program.parent_path() / name;
 }
 
-// A help that can be given only in part is still a help.
+// The rest of the help is useful even without a library.
 void printParametersIfPossible(const std::string& path) {
   try {
     ComponentLibrary library(path);
@@ -73,7 +73,7 @@ void printParametersIfPossible(const std::string& path) {
 
 int run(const Arguments& words) {
   std::string path = libraryBesideProgram();
-  // A command meets the library only once its name is known.
+  // Loads the library only when a command runs: by then --library has been read.
   const auto with = [&path](int (*command)(ComponentLibrary&, const Arguments&)) {
     return [&path, command](const Arguments& arguments) {
       ComponentLibrary library(path);

@@ -12,7 +12,7 @@ constexpr Text kNoDisplay = {"there is no X display to show the window on (DISPL
                              "нет X-дисплея, чтобы показать окно (не задана переменная DISPLAY)"};
 constexpr Text kNotTested = {"the component did not run the test", "компонента не выполнила тест"};
 
-// The component takes a missing display for a test that is over.
+// Without a display the component reports success without showing a window.
 bool hasDisplay() {
   const char* const display = std::getenv("DISPLAY");
   return display && *display;

@@ -1,5 +1,5 @@
-// The kinds of scanners that quorvel-scanner plays. Each reads its own arguments, throws UsageError
-// for what it cannot understand, and returns the exit code.
+// The kinds of scanners that quorvel-scanner plays. Each parses its own arguments, throws
+// UsageError when they are wrong, and returns the exit code.
 #pragma once
 
 #include "tools/common/CommandLine.h"

@@ -14,7 +14,7 @@ namespace {
 constexpr Text kNoKey = {"no key types the character with code ",
                          "нет клавиши для символа с кодом "};
 
-// Types all the bytes; false when a signal asks for the end.
+// Types all the bytes; false when a signal asks to end.
 bool typeSlowly(VirtualKeyboard& keyboard, const std::string& bytes,
                 std::chrono::microseconds pause, const EndSignals& end) {
   for (const char byte : bytes) {

@@ -18,10 +18,10 @@ constexpr Text kTwoSources = {"either texts or --file, not both",
 constexpr Text kCannotRead = {"cannot read the scans", "не удалось прочитать сканы"};
 constexpr Text kBadEscape = {"not an escape: ", "неверная последовательность: "};
 
-// The byte that a letter after the backslash stands for.
+// The letter after the backslash, and the byte it means.
 constexpr std::pair<char, char> kEscapes[] = {{'r', '\r'}, {'n', '\n'}, {'t', '\t'}, {'\\', '\\'}};
 
-// Character codes separated by commas; the empty text is no suffix.
+// From comma-separated character codes; none means no suffix.
 std::string suffixFrom(const std::string& codes) {
   std::string suffix;
   std::istringstream list(codes);
@@ -36,7 +36,8 @@ quorvel::FileDescriptor openSource(const std::string& file) {
   return quorvel::FileDescriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
 }
 
-// The byte of the escape at `text[at]`, the character after the backslash; `at` moves to its end.
+// Decodes the escape whose first character after the backslash is `text[at]`; moves `at` to its
+// last.
 char escapedByte(const std::string& text, std::size_t& at) {
   for (const auto& [letter, byte] : kEscapes) {
     if (at < text.size() && text[at] == letter) return byte;
@@ -71,7 +72,7 @@ std::vector<Option> ScanOptions::table() {
           {"burst", true, takeBurst}};
 }
 
-std::string withoutEscapes(const std::string& text) {
+std::string unescaped(const std::string& text) {
   std::string bytes;
   for (std::size_t at = 0; at < text.size(); ++at) {
     bytes += text[at] == '\\' ? escapedByte(text, ++at) : text[at];
@@ -83,9 +84,8 @@ ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
     : options_(options), texts_(std::move(texts)) {
   if (!texts_.empty() && !options.file.empty()) throw UsageError(say(kTwoSources));
   if (!texts_.empty()) {
-    // Before anything is plugged in: a wrong command line is to have no effect.
-    if (options_.escapes)
-      std::transform(texts_.begin(), texts_.end(), texts_.begin(), withoutEscapes);
+    // Done here, before anything is plugged in: a wrong command line must have no effect.
+    if (options_.escapes) std::transform(texts_.begin(), texts_.end(), texts_.begin(), unescaped);
     return;
   }
   file_ = openSource(options.file);
@@ -107,7 +107,7 @@ std::optional<std::string> ScanSource::next(const EndSignals& end) {
     return position_ < texts_.size() ? std::optional(texts_[position_++]) : std::nullopt;
   }
   std::optional<std::string> line = nextLine(end);
-  if (line && options_.escapes) line = withoutEscapes(*line);
+  if (line && options_.escapes) line = unescaped(*line);
   return line;
 }
 

@@ -1,4 +1,4 @@
-// The texts that a scanner of this folder scans, and what they have in common.
+// Where a played scanner gets its scans from, and the options for that.
 #pragma once
 
 #include <chrono>
@@ -12,7 +12,7 @@
 
 namespace terminal {
 
-// Options that every kind of scanner has.
+// The options that all kinds of scanners share.
 struct ScanOptions {
   std::string file;      // one scan a line; "-" is standard input; empty: texts from the arguments
   bool escapes = false;  // whether \xHH, \r, \n, \t and \\ stand for bytes
@@ -21,21 +21,20 @@ struct ScanOptions {
   std::chrono::microseconds byteDelay{0};   // after each byte
   int burst = 1;                            // scans without a pause between them
 
-  // The table's rows of these options; they write into this object.
+  // The option table's rows for these; they write into this object.
   std::vector<Option> table();
 };
 
-// Gives one text after another: the arguments, or the lines of a file as they come.
+// Scans one after another: the arguments, or the lines of a file as they arrive.
 class ScanSource {
  public:
-  // Without texts and without a file it reads standard input. Throws std::system_error for a file
-  // that cannot be opened, UsageError for a text and a file together and for an escape that is
-  // none.
+  // Reads standard input when there are neither texts nor a file. Throws std::system_error when the
+  // file cannot be opened, UsageError for texts together with a file and for an invalid escape.
   ScanSource(const ScanOptions& options, Arguments texts);
 
-  // The bytes of the next scans up to a pause, their suffixes included; none at the end or when a
-  // signal asks for it. Throws UsageError for a line with an escape that is none, std::system_error
-  // when the file cannot be read.
+  // The bytes of the scans up to the next pause, suffixes included; nothing at the end or when a
+  // signal asks to end. Throws UsageError for an invalid escape, std::system_error when the file
+  // cannot be read.
   std::optional<std::string> nextBurst(const EndSignals& end);
 
  private:
@@ -45,12 +44,12 @@ class ScanSource {
   const ScanOptions options_;
   Arguments texts_;
   std::size_t position_ = 0;
-  quorvel::FileDescriptor file_;  // where the texts come from, unless they were given
-  std::string pending_;           // read and not yet given out
+  quorvel::FileDescriptor file_;  // the source of the texts, unless they are arguments
+  std::string pending_;           // read but not yet returned
   bool ended_ = false;
 };
 
-// The bytes that a text with escapes stands for. Throws UsageError.
-std::string withoutEscapes(const std::string& text);
+// The text with its escapes replaced by the bytes they mean. Throws UsageError for an invalid one.
+std::string unescaped(const std::string& text);
 
 }  // namespace terminal

@@ -45,7 +45,7 @@ Arguments readSerialOptions(const Arguments& arguments, SerialOptions& serial) {
   return texts;
 }
 
-// Scans all the texts; false when a signal asks for the end.
+// Scans all the texts; false when a signal asks to end.
 bool scan(SerialLine& line, ScanSource& source, const SerialOptions& serial,
           const EndSignals& end) {
   while (const std::optional<std::string> bytes = source.nextBurst(end)) {
@@ -68,7 +68,7 @@ int runSerialScanner(const Arguments& arguments) {
   line.link(serial.link);
   std::cerr << say(kWaiting) << visible(serial.link) << say(kUntil) << std::endl;
   if (serial.wait && !line.waitForReader(end.descriptor())) return 0;
-  // A scanner stays plugged in after its last scan: what the reader has not yet taken is not lost.
+  // Stay plugged in after the last scan, or what the reader has not taken yet would be lost.
   if (scan(line, source, serial, end)) end.wait();
   return 0;
 }
