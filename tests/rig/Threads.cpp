@@ -24,7 +24,7 @@ std::ifstream accountOf(pid_t thread, const char* name) {
   return file;
 }
 
-// What stands after "NAME:" in an account of lines.
+// The word after "NAME:" in one of the thread's files in /proc.
 std::string wordNamed(const std::string& name, pid_t thread, const char* account) {
   std::ifstream file = accountOf(thread, account);
   for (std::string word; file >> word;) {
@@ -60,7 +60,7 @@ pid_t threadAddedBy(const std::function<void()>& action) {
 }
 
 std::size_t settledThreadCount() {
-  // With the first thread, a sanitizer starts one of its own.
+  // A sanitizer starts a thread of its own along with the program's first.
   pid_t ended = 0;
   std::thread([&ended] { ended = gettid(); }).join();
   await("the end of a thread", [ended] { return !threads().contains(ended); });
@@ -77,7 +77,9 @@ std::chrono::nanoseconds processorTime(pid_t thread) {
   return std::chrono::nanoseconds(nanoseconds);
 }
 
-long long restsOf(pid_t thread) { return numberNamed("voluntary_ctxt_switches", thread, "status"); }
+long long sleepCount(pid_t thread) {
+  return numberNamed("voluntary_ctxt_switches", thread, "status");
+}
 
 bool blocks(pid_t thread, int signal) {
   return std::stoull(wordNamed("SigBlk", thread, "status"), nullptr, 16) >> (signal - 1) & 1;

@@ -1,4 +1,4 @@
-// The threads of this process, as the kernel accounts for them.
+// The threads of this process, as the kernel sees them.
 #pragma once
 
 #include <sys/types.h>
@@ -14,24 +14,24 @@ namespace rig {
 
 std::set<pid_t> threads();
 
-// The thread that `action` has added. Throws when it has not added exactly one.
+// The thread that `action` starts. Throws unless it starts exactly one.
 pid_t threadAddedBy(const std::function<void()>& action);
 
-// How many threads this process has. One that was joined is listed for a moment longer: this waits
-// for the moment to pass, and then until there are no more than `count`.
+// The number of threads, and a wait until there are at most `count`. The kernel lists a thread for
+// a moment after it was joined; settledThreadCount lets that moment pass first.
 std::size_t settledThreadCount();
 void awaitThreadCount(std::size_t count);
 
 // The processor time that the thread has used.
 std::chrono::nanoseconds processorTime(pid_t thread);
 
-// How often the thread has laid itself to rest.
-long long restsOf(pid_t thread);
+// How many times the thread has gone to sleep, as in a wait.
+long long sleepCount(pid_t thread);
 
-// Whether the thread takes no signals of this number.
+// Whether the thread blocks this signal.
 bool blocks(pid_t thread, int signal);
 
-// What the thread has read: how often it has called read, and the bytes it got.
+// The thread's calls of read and its relatives, and the bytes they have returned.
 struct Reading {
   long long calls;
   long long bytes;

@@ -383,8 +383,8 @@ TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenSleeps) {
   std::optional<std::thread> sending;
   const pid_t sender = rig::threadAddedBy(
       [&] { sending.emplace([&] { sent = line.send(std::string(1000000, 'x'), cancel); }); });
-  const long long before = rig::restsOf(sender);
-  rig::await("a sleeping sender", [&] { return rig::restsOf(sender) > before + 10; });
+  const long long before = rig::sleepCount(sender);
+  rig::await("the sender to sleep", [&] { return rig::sleepCount(sender) > before + 10; });
   eventfd_write(cancel, 1);
   sending->join();
   EXPECT_FALSE(sent);

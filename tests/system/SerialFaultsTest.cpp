@@ -64,16 +64,17 @@ TEST(SerialFaults, TheReaderOfADeadPortSleepsAndCanBeClosed) {
   unplugged.reset();
   unpluggedRaw.reset();
 
-  constexpr long long kSteps = 2;  // sleeps of the reader, a second each
-  std::vector<long long> rests;
+  constexpr long long kSteps = 2;  // of the reader, a second each
+  std::vector<long long> sleeps;
   std::vector<std::chrono::nanoseconds> used;
   for (const pid_t reader : readers) {
-    rests.push_back(rig::restsOf(reader));
+    sleeps.push_back(rig::sleepCount(reader));
     used.push_back(rig::processorTime(reader));
   }
   for (std::size_t i = 0; i < readers.size(); ++i) {
-    // A reader that spins never gets past this, or has used most of the time by then.
-    rig::await("a sleeping reader", [&] { return rig::restsOf(readers[i]) > rests[i] + kSteps; });
+    // A reader that does not rest never gets here, or has used most of the time by then.
+    rig::await("a reader to sleep",
+               [&] { return rig::sleepCount(readers[i]) > sleeps[i] + kSteps; });
     EXPECT_LT(rig::processorTime(readers[i]) - used[i], kSteps * 1000ms / 4) << "port " << 129 + i;
   }
   SerialLine& alive = driver.plugIn(133);

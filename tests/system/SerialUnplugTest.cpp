@@ -221,8 +221,8 @@ TEST(SerialUnplug, AFileThatIsNotADeviceIsNotRead) {
   scanner.awaitReader();
   scanner.unplug();
   const auto awaitTwoTries = [reader] {
-    const long long rests = rig::restsOf(reader);
-    rig::await("two more tries", [&] { return rig::restsOf(reader) > rests + 1; });
+    const long long sleeps = rig::sleepCount(reader);
+    rig::await("two more tries", [&] { return rig::sleepCount(reader) > sleeps + 1; });
   };
   std::ofstream(scanner.path()) << "from a file\r";
   awaitTwoTries();
@@ -333,9 +333,9 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
   }
   const auto awaitRests = [&readers](long long count) {
     std::vector<long long> ends;
-    for (const pid_t reader : readers) ends.push_back(rig::restsOf(reader) + count);
+    for (const pid_t reader : readers) ends.push_back(rig::sleepCount(reader) + count);
     for (std::size_t i = 0; i < readers.size(); ++i) {
-      rig::await("a sleeping reader", [&] { return rig::restsOf(readers[i]) >= ends[i]; });
+      rig::await("a reader to sleep", [&] { return rig::sleepCount(readers[i]) >= ends[i]; });
     }
   };
   // They are retried after 1, 2 and 4 seconds, and every 5 seconds from then on.

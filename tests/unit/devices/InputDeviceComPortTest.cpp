@@ -157,9 +157,9 @@ TEST(WaitForReadyRead, GoesOnAfterASignal) {
   // may defer the handler until after the wait.
   std::thread interrupter([&, waiter = pthread_self(), waiterId = gettid()] {
     for (int sent = 0; sent < 100; ++sent) {
-      const long long sleeps = rig::restsOf(waiterId);
+      const long long sleeps = rig::sleepCount(waiterId);
       pthread_kill(waiter, SIGUSR1);
-      rig::await("the wait to go on", [&] { return rig::restsOf(waiterId) > sleeps; });
+      rig::await("the wait to go on", [&] { return rig::sleepCount(waiterId) > sleeps; });
     }
     pipe.write();
   });
