@@ -1,4 +1,4 @@
-// A host that acts inside an event.
+// A host that does something while it receives an event.
 #pragma once
 
 #include <functional>
@@ -9,8 +9,7 @@
 
 namespace rig {
 
-// A connection whose event of the scan "act" does something before it is taken, on the thread of
-// the device.
+// Runs the action when the scan "act" arrives, before accepting its event, on the device's thread.
 class ActingConnection : public terminal::HostConnection {
  public:
   ActingConnection(terminal::EventQueue& events, std::function<void()> action)

@@ -14,7 +14,7 @@ std::function<void()> action;
 
 }  // namespace
 
-// Stands before the C library's own: a program's names are looked up first.
+// Overrides the C library's: the dynamic linker searches the program first.
 extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* buffer,
                                                                std::size_t size) {
   static const auto real = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "read"));

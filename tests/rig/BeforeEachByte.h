@@ -1,13 +1,13 @@
-// A moment of the test's choice in the work of a reader that reads byte by byte.
+// A hook into readers that read one byte at a time.
 #pragma once
 
 #include <functional>
 
 namespace rig {
 
-// While it lives, runs the action before each read(2) of a single byte, on the thread that reads.
-// One at a time, made and destroyed while nobody reads. For programs that are linked with the rig's
-// read.
+// While it lives, runs the action before each read(2) of a single byte, on the reading thread. Only
+// one at a time, created and destroyed while no thread reads. Works only in programs that link this
+// file's source, which replaces read.
 class BeforeEachByte {
  public:
   explicit BeforeEachByte(std::function<void()> action);

@@ -1,4 +1,4 @@
-// Entries of the private /dev, there for one test.
+// Entries of the private /dev that exist for one test.
 #pragma once
 
 #include <filesystem>
@@ -12,7 +12,7 @@ namespace rig {
 class DeviceFiles {
  public:
   DeviceFiles() = default;
-  // Files of these names, below /dev.
+  // Creates files with these names in /dev.
   DeviceFiles(std::initializer_list<const char*> names) {
     for (const char* const name : names) std::ofstream(add(name));
   }

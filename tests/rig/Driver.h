@@ -10,10 +10,10 @@
 
 namespace rig {
 
-// Paths of the built library, the tools and the script that frames a line, from the environment
-// that ctest sets; without it they throw std::runtime_error.
+// Paths of the built library, the tools and the script that frames a line. They come from variables
+// that ctest sets; throw std::runtime_error without them.
 std::string libraryPath();
-std::string englishLibraryPath();  // the library in a process that starts English
+std::string englishLibraryPath();  // the library for a process that starts in English
 std::string hostPath();
 std::string scannerPath();
 std::string frameLinePath();
@@ -23,7 +23,7 @@ struct Driver {
   explicit Driver(const std::u16string& className = u"InputDevice",
                   const std::string& libraryFile = libraryPath());
 
-  // Sets the port and opens it; the test fails when it cannot be opened.
+  // Sets the port and opens the device; returns its identifier. The test fails when it cannot.
   std::u16string openPort(std::int32_t port);
 
   // The same for a keyboard, by its name in the form.

@@ -1,4 +1,4 @@
-// The process environment, changed for the length of a test.
+// Changes to the process environment for the duration of a test.
 #pragma once
 
 #include <cstdlib>
@@ -8,8 +8,8 @@
 
 namespace rig {
 
-// Sets a variable, or removes it, and restores it afterwards. For use while no other thread reads
-// the environment.
+// Sets or removes a variable, and restores it when destroyed. No other thread may read the
+// environment meanwhile.
 class ScopedVariable {
  public:
   ScopedVariable(std::string name, const std::optional<std::string>& value)

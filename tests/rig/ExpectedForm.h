@@ -8,8 +8,8 @@
 
 namespace rig {
 
-// One item of the choice list of serial ports or of keyboards. `value` and `text` are written as
-// they stand in the document.
+// One item of the choice list of serial ports or keyboards. `value` and `text` are copied into the
+// document unescaped.
 std::string choiceItem(std::string_view value, std::string_view text);
 
 // The whole document, in UTF-8. `language` is "en" or "ru". Throws std::runtime_error when there is
@@ -17,7 +17,7 @@ std::string choiceItem(std::string_view value, std::string_view text);
 std::string expectedForm(const std::string& language, std::string_view portItems,
                          std::string_view keyboardItems);
 
-// By xmllint.
+// As xmllint judges.
 bool isWellFormed(const std::string& document);
 
 // Whether two documents are equal byte for byte. A failure shows where they first differ: they are

@@ -1,10 +1,10 @@
-// A process that runs out of memory at a moment of the test's choice.
+// Running out of memory at a chosen moment.
 #pragma once
 
 namespace rig {
 
-// While one lives, `new` throws std::bad_alloc on the thread that made it. For programs that are
-// linked with the rig's operator new.
+// While one lives, `new` throws std::bad_alloc on the thread that created it. Works only in
+// programs that link this file's source, which replaces operator new.
 class FailingAllocation {
  public:
   FailingAllocation();

@@ -16,7 +16,7 @@ inline std::string formOf(Driver& driver) {
   return terminal::toUtf8(driver.component.parameters());
 }
 
-// The same from a process that starts English.
+// The same, from a process that starts in English.
 inline std::string englishForm() {
   return outputOf({hostPath(), "--library", englishLibraryPath(), "form", "--xml"});
 }

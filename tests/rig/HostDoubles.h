@@ -1,4 +1,5 @@
-// Stand-ins for what a host gives its components.
+// Doubles of the host for tests of one class: they record every call, and fail on request. The host
+// that loads a whole library is in tools/common/ComponentHost.h.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +14,8 @@
 
 namespace rig {
 
-// Frees the blocks that it gave with itself, as a host frees the texts that it was handed.
+// Frees its blocks when destroyed, as a host frees the texts that it was given. A component must
+// not.
 class FakeMemoryManager : public IMemoryManager {
  public:
   enum class Answer { kBlock, kRefusal, kSuccessWithoutBlock, kException };
@@ -28,12 +30,11 @@ class FakeMemoryManager : public IMemoryManager {
     return true;
   }
 
-  // Components never free what they have handed over.
   void FreeMemory(void**) override { ++freed; }
 
   Answer answer = Answer::kBlock;
   std::vector<unsigned long> requests;  // in bytes
-  int freed = 0;
+  int freed = 0;                        // calls of FreeMemory
 
  private:
   std::vector<std::unique_ptr<std::byte[]>> blocks_;
@@ -47,7 +48,7 @@ struct Event {
   bool operator==(const Event&) const = default;
 };
 
-// Keeps every event. Events may come on any thread.
+// Records the events, which may come on any thread.
 class FakeConnection : public IAddInDefBaseEx {
  public:
   void Reserved2() override { ++reservedCalls; }

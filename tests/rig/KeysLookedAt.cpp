@@ -36,7 +36,7 @@ bool awaitKeysLookedAt(unsigned count) {
 
 }  // namespace rig
 
-// The last thing that happens to a key in the driver, whatever becomes of it.
+// The driver frees the data of every key event last, whatever it has done with the key.
 extern "C" __attribute__((visibility("default"))) void XFreeEventData(Display* display,
                                                                       XGenericEventCookie* cookie) {
   static const auto freeEventData =

@@ -1,14 +1,14 @@
-// What a test can know of keys that the driver ignores: that it has looked at them.
+// Lets a test wait until the driver has handled keys that it ignores.
 #pragma once
 
 namespace rig {
 
-// Starts counting afresh. The program must export XFreeEventData, for the driver to call the one
-// here in place of Xlib's.
+// Restarts the count at 0. The program must export XFreeEventData, so that the driver calls ours
+// instead of Xlib's.
 void countKeysLookedAt();
 
-// Waits until the driver has looked at so many presses and releases of keys since then. False when
-// they do not come.
+// Waits until the driver has handled that many key presses and releases since then. False when it
+// has not within kPatience.
 bool awaitKeysLookedAt(unsigned count);
 
 }  // namespace rig

@@ -14,7 +14,7 @@
 namespace rig {
 namespace {
 
-// Seconds. A process that hangs is ended by the alarm.
+// In seconds; after that the alarm ends the process.
 constexpr unsigned kLongestLife = 120;
 
 [[noreturn]] void runAndExit(const std::function<void()>& body) {
@@ -25,7 +25,7 @@ constexpr unsigned kLongestLife = 120;
     ADD_FAILURE() << error.what();
   }
   std::cout.flush();
-  // By exit, not _exit: a leak checker has its say at the end.
+  // exit, not _exit: a leak checker reports at exit.
   std::exit(testing::Test::HasFailure() ? EXIT_FAILURE : EXIT_SUCCESS);
 }
 

@@ -10,9 +10,9 @@ void await(const char* what, const std::function<bool()>& condition) {
   const auto end = std::chrono::steady_clock::now() + kPatience;
   for (int tries = 0; !condition(); ++tries) {
     if (std::chrono::steady_clock::now() > end) {
-      throw std::runtime_error(std::string("waited in vain for ") + what);
+      throw std::runtime_error(std::string("timed out waiting for ") + what);
     }
-    // What comes soon is not kept waiting.
+    // Poll eagerly at first: most conditions hold soon.
     if (tries < 100) {
       std::this_thread::yield();
     } else {

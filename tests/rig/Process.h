@@ -1,4 +1,4 @@
-// What this process uses, as the kernel and the C library account for it.
+// The resources that this process uses, as the kernel and the C library count them.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,10 @@ namespace rig {
 std::size_t threadCount();
 std::size_t descriptorCount();  // open ones
 
-// Bytes that this process has allocated and not freed; zero under a sanitizer, which finds leaks
-// itself.
+// Bytes allocated and not yet freed. Always 0 under a sanitizer, which finds leaks itself.
 std::size_t heapBytes();
 
-// Processor time that this process has used, and time on the wall, in seconds.
+// This process's processor time, and elapsed real time, in seconds.
 struct Times {
   double processor;
   double wall;

@@ -96,7 +96,7 @@ Program::~Program() {
 }
 
 void Program::write(const std::string& input) {
-  // The program may have to be read before it reads on: the pipe takes the whole input.
+  // The pipe must hold the whole input: the program may block on its output before it reads on.
   fcntl(input_.get(), F_SETPIPE_SZ, static_cast<int>(input.size()));
   if (::write(input_.get(), input.data(), input.size()) != static_cast<ssize_t>(input.size())) {
     throw std::system_error(errno, std::generic_category(), "input of a program");
@@ -134,7 +134,7 @@ std::string Program::errorLine() { return lineOf(errors_); }
 void Program::signal(int number) { ::kill(process_, number); }
 
 Ending Program::end() {
-  // A program of the tests says far less on its standard error than a pipe holds.
+  // Read after the output: what programs here write to standard error fits into a pipe.
   for (Stream* stream : {&output_, &errors_}) {
     while (!stream->atEnd) readMore(*stream);
   }

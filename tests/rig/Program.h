@@ -1,4 +1,4 @@
-// Another program, run by a test.
+// Running another program.
 #pragma once
 
 #include <sys/types.h>
@@ -12,38 +12,38 @@
 namespace rig {
 
 using Words = std::vector<std::string>;
-// Variables of the environment, set in addition to the test's own.
+// Environment variables, set on top of the test's own.
 using Variables = std::vector<std::pair<std::string, std::string>>;
 
-// What a program that has ended has said. `code` is 128 and the number of the signal that ended it.
+// The result of a program. `code` is its exit code, or 128 plus the signal that ended it.
 struct Ending {
   int code;
   std::string output;
   std::string errors;
 };
 
-// A running program. Ended by force with its owner, if it is still running then.
+// A running program. Killed by the destructor if it is still running.
 class Program {
  public:
-  // Looks for the program of the first word as a shell does. Throws std::system_error.
+  // Finds the program named by the first word as a shell does. Throws std::system_error.
   explicit Program(const Words& words, const Variables& variables = {});
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
-  // Writes up to a megabyte to its standard input, and ends that.
+  // Writes up to a megabyte to its standard input. endInput closes it.
   void write(const std::string& input);
   void endInput();
 
-  // The next line of its standard output or error, without its end. Throws when none comes in
-  // kPatience.
+  // The next line of its standard output or error, without the line feed. Throws when none comes
+  // within kPatience.
   std::string line();
   std::string errorLine();
 
   void signal(int number);
 
-  // Waits until it ends by itself: what it has said since it was last asked. Throws when it does
-  // not end in kPatience.
+  // Waits until it ends by itself. The result has the output that was not yet read. Throws when it
+  // does not end within kPatience.
   Ending end();
 
  private:
@@ -61,14 +61,14 @@ class Program {
   Stream errors_;
 };
 
-// Runs a program to its end, without input.
+// Runs a program to its end with empty input.
 Ending run(const Words& words, const Variables& variables = {});
 
 // The output of a program that must succeed, given an input of up to a megabyte.
 std::string outputOf(const Words& words, const std::string& input = {});
 
-// Runs a shell command once for each input, all in one shell: the endings of all, without what they
-// wrote to their standard error.
+// Runs a shell command once for each input, all in one shell. The results lack what was written to
+// standard error.
 std::vector<Ending> endingsOf(const std::string& command, const std::vector<std::string>& inputs);
 
 }  // namespace rig

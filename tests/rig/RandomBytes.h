@@ -1,4 +1,4 @@
-// Random input that is the same in every run.
+// Pseudo-random input, the same in every run.
 #pragma once
 
 #include <cstddef>

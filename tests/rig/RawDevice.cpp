@@ -13,7 +13,7 @@
 namespace rig {
 namespace {
 
-// Long enough for no other message to be the same by chance.
+// So long that no other message is the same by chance.
 std::string holdingMessage(const std::string& suffix) {
   return std::string(16, suffix.ends_with('h') ? 'H' : 'h');
 }
@@ -71,7 +71,7 @@ RawDevice::RawDevice(std::int32_t port, std::int32_t suffixCode)
       line_(driver_.plugIn(port, terminal::LineSetting::kRaw)),
       port_(::open(line_.port().c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC)) {
   if (!port_) throw std::runtime_error("cannot look into the line");
-  // Starts the component anew, on the connection with the gate.
+  // Initialise the component again, now with the gate as its connection.
   driver_.component.object().Init(&gate_);
   driver_.component.setParameter(u"Suffix", suffixCode);
   driver_.component.setParameter(u"OutputDataType", 2);
@@ -110,8 +110,8 @@ std::vector<std::u16string> RawDevice::drip(std::string_view bytes,
   return holdReader();
 }
 
-// The reader takes bytes one by one, and tries once more in vain unless the last one ends a
-// message.
+// The reader makes one call for each byte, and one more that finds nothing unless the last byte
+// ends a message.
 Reading RawDevice::readingAfter(const Reading& before, std::string_view bytes) const {
   if (bytes.empty()) return before;
   const bool ended = !suffix_.empty() && bytes.back() == suffix_.back();
@@ -129,7 +129,7 @@ void RawDevice::awaitReading(const Reading& expected) const {
 std::vector<std::u16string> RawDevice::holdReader() {
   line_.send(holding_ + suffix_);
   gate_.awaitHeld();
-  // A reader raises its events one after another: all others have been raised before.
+  // The reader raises events in order, so all the others are in the queue by now.
   std::vector<std::u16string> messages;
   while (auto event = events_.take(std::chrono::milliseconds(0))) {
     messages.push_back(std::move(event->data));

@@ -1,4 +1,4 @@
-// A device on a raw line, fed so that what it delivers depends on nothing but the bytes.
+// A device on a raw line, fed so that its messages depend on the bytes alone, not on timing.
 #pragma once
 
 #include <chrono>
@@ -17,13 +17,13 @@
 
 namespace rig {
 
-// A connection that holds a reader while it raises one certain event.
+// Blocks the reader inside the event with certain data.
 class GatedConnection : public terminal::HostConnection {
  public:
   GatedConnection(terminal::EventQueue& events, std::u16string heldData)
       : HostConnection(events), heldData_(std::move(heldData)) {}
 
-  // Waits until a reader is held, and lets it go.
+  // Waits until the reader is blocked, and lets it go on.
   void awaitHeld();
   void release();
 
@@ -36,26 +36,25 @@ class GatedConnection : public terminal::HostConnection {
   bool held_ = false;
 };
 
-// The base64 text of bytes.
+// The bytes in base64.
 std::u16string base64(std::string_view bytes);
 
-// The bytes of the suffix that the parameter with this character code stands for; -1 is none.
+// The bytes of the suffix that this value of the parameter, a character code, means; -1 means none.
 std::string suffixBytes(std::int32_t code);
 
-// Between two calls the reader is held in the delivery of a message that is sent for this, so that
-// what is sent next waits for it as a whole.
+// Between calls the reader is blocked in the delivery of a message sent for this purpose, so that
+// it finds everything sent by the next call at once.
 class RawDevice {
  public:
-  // Opens the port for messages that end with the character of a code.
+  // Opens the port with this suffix.
   RawDevice(std::int32_t port, std::int32_t suffixCode);
   ~RawDevice();
 
-  // Sends bytes that the reader finds in the line all at once: at most 4000 of them. The messages
-  // that it makes of them, as base64 texts.
+  // Sends at most 4000 bytes, which the reader finds all at once. Returns its messages, in base64.
   std::vector<std::u16string> burst(std::string_view bytes);
 
-  // Sends byte by byte, with a pause after each, and each only when the reader has taken the one
-  // before it and found the line empty.
+  // Sends the bytes one at a time, with a pause after each, and each only after the reader has read
+  // the one before and found no more.
   std::vector<std::u16string> drip(std::string_view bytes, std::chrono::microseconds pause);
 
  private:

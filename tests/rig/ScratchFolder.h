@@ -1,11 +1,11 @@
-// A temporary folder of a test's own.
+// A temporary folder.
 #pragma once
 
 #include <filesystem>
 
 namespace rig {
 
-// Removed, with everything in it, at the end.
+// Removed with its contents by the destructor.
 class ScratchFolder {
  public:
   // Throws std::system_error.

@@ -1,4 +1,4 @@
-// A component with serial ports of the test's own plugged in.
+// A component, with simulated scanners at serial ports.
 #pragma once
 
 #include <cstdint>
@@ -18,13 +18,13 @@ struct SerialDriver : Driver {
   using Driver::Driver;
   ~SerialDriver();
 
-  // A line with a scanner at its end, at the place of the port.
+  // A scanner's line at this port's device file.
   terminal::SerialLine& plugIn(std::int32_t port,
                                terminal::LineSetting setting = terminal::LineSetting::kFramed);
 
-  // Opens the port like openPort; the device is closed with this driver at the latest.
+  // Like openPort; the destructor closes the device if it is still open.
   std::u16string open(std::int32_t port);
-  // Closes a device, and all that are open.
+  // Close one device, or all that are open.
   bool close(std::u16string id);
   void closeAll();
 

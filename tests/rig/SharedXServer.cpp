@@ -5,8 +5,8 @@
 namespace rig {
 namespace {
 
-// Not ended by a destructor: a child process that exits runs those, too, and must leave the server
-// of its parent running.
+// Not ended by a destructor: a child process runs those too when it exits, and must leave its
+// parent's server running.
 XServer* server = nullptr;
 
 class EndOfTests : public testing::Environment {

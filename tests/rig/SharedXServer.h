@@ -7,18 +7,18 @@
 
 namespace rig {
 
-// The keyboards of the server, as users see their names.
+// The names of the server's keyboards as users see them.
 inline constexpr const char* kAmpersandKeyboard = "AT T Scanner  B ";  // AT&T Scanner <B>
 inline constexpr const char* kPlainKeyboard = "Plain scanner";
 
-// The indexes by which the server knows them.
+// Their indexes, for XServer::keyboard.
 inline constexpr std::size_t kAmpersandIndex = 0;
 inline constexpr std::size_t kPlainIndex = 1;
 
-// Started by the first call, which sets DISPLAY; ended after the last test.
+// The first call starts the server and sets DISPLAY. It runs until the last test has ended.
 XServer& sharedXServer();
 
-// A test before a screen. The server is running before a test may fork.
+// A test that needs the X server. Starts it before any test can fork.
 class OnScreen : public testing::Test {
  protected:
   static void SetUpTestSuite() { sharedXServer(); }

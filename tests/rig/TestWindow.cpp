@@ -42,9 +42,9 @@ GtkDialog* findTestWindow() {
   return found;
 }
 
-// One visit: what to do in the window, and what came of it.
+// What to do in the window, and how that went.
 struct Visit {
-  const std::function<void(TestWindow&)>& deeds;
+  const std::function<void(TestWindow&)>& actions;
   bool done = false;
   bool closed = false;
   std::exception_ptr thrown = nullptr;
@@ -58,7 +58,7 @@ gboolean visitWindow(gpointer data) {
   g_object_ref(dialog);
   try {
     TestWindow window(dialog);
-    visit.deeds(window);
+    visit.actions(window);
     if (window.response()) visit.closed = true;
   } catch (...) {
     visit.thrown = std::current_exception();
@@ -78,7 +78,7 @@ std::vector<GtkWidget*> widgetsIn(GtkWidget* container) {
 
 TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog) {
   const std::vector<GtkWidget*> lists = widgets(GTK_TYPE_TREE_VIEW);
-  if (lists.size() != 1) throw std::runtime_error("the window has not one list");
+  if (lists.size() != 1) throw std::runtime_error("the window does not have exactly one list");
   list_ = GTK_TREE_VIEW(lists.front());
   responseHandler_ = g_signal_connect(dialog_, "response",
                                       G_CALLBACK(+[](GtkDialog*, gint response, gpointer window) {
@@ -88,7 +88,7 @@ TestWindow::TestWindow(GtkDialog* dialog) : dialog_(dialog) {
 }
 
 TestWindow::~TestWindow() {
-  // A destroyed window has dropped its handlers.
+  // A destroyed window has already disconnected its handlers.
   if (g_signal_handler_is_connected(dialog_, responseHandler_)) {
     g_signal_handler_disconnect(dialog_, responseHandler_);
   }
@@ -140,7 +140,7 @@ void TestWindow::await(const std::string& what, const std::function<bool()>& con
   const guint timer =
       g_timeout_add_seconds(static_cast<guint>(kPatience.count()), setFlag, &expired);
   while (!condition() && !expired) g_main_context_iteration(nullptr, TRUE);
-  if (expired) throw std::runtime_error("waited in vain for " + what);
+  if (expired) throw std::runtime_error("timed out waiting for " + what);
   g_source_remove(timer);
 }
 
@@ -182,10 +182,10 @@ void TestWindow::focus() const {
 }
 
 void whileTestWindowIsOpen(const std::function<void()>& show,
-                           const std::function<void(TestWindow&)>& deeds) {
+                           const std::function<void(TestWindow&)>& actions) {
   g_log_set_always_fatal(
       static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING | G_LOG_FATAL_MASK));
-  Visit visit{deeds};
+  Visit visit{actions};
   const guint source = g_timeout_add(0, visitWindow, &visit);
   show();
   if (!visit.done) {
@@ -195,13 +195,13 @@ void whileTestWindowIsOpen(const std::function<void()>& show,
   if (visit.thrown) std::rethrow_exception(visit.thrown);
 }
 
-void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds) {
-  whileTestWindowIsOpen([&] { EXPECT_TRUE(component.test()); }, deeds);
+void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& actions) {
+  whileTestWindowIsOpen([&] { EXPECT_TRUE(component.test()); }, actions);
 }
 
-void visitWindow(const std::function<void(TestWindow&)>& deeds) {
+void visitWindow(const std::function<void(TestWindow&)>& actions) {
   Driver driver;
-  visitWindow(driver.component, deeds);
+  visitWindow(driver.component, actions);
 }
 
 std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path) {
@@ -216,8 +216,8 @@ terminal::SerialLine& WindowTest::plugIn(const std::string& path) {
   return *scanners_.emplace_back(scannerAt(path));
 }
 
-void WindowTest::inWindow(const std::function<void(TestWindow&)>& deeds) {
-  inOwnProcess([&] { visitWindow(deeds); });
+void WindowTest::inWindow(const std::function<void(TestWindow&)>& actions) {
+  inOwnProcess([&] { visitWindow(actions); });
 }
 
 }  // namespace rig

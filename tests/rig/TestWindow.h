@@ -1,4 +1,4 @@
-// The user of the device test window.
+// Plays the user of the device test window.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,11 +23,11 @@ struct Row {
   bool operator==(const Row&) const = default;
 };
 
-// A widget and all the widgets in it, in their order.
+// A widget and all the widgets inside it, in order.
 std::vector<GtkWidget*> widgetsIn(GtkWidget* container);
 
-// The widgets of the open test window, and what a user does with them. Used inside its main loop,
-// which runs while a function here waits.
+// The open test window: its widgets, and what a user does with them. To be used inside the window's
+// main loop, which runs while a function here waits.
 class TestWindow {
  public:
   explicit TestWindow(GtkDialog* dialog);
@@ -38,23 +38,23 @@ class TestWindow {
   GtkDialog* dialog() const { return dialog_; }
   GtkTreeView* list() const { return list_; }
 
-  // By which other programs know the window.
+  // The window's X id.
   unsigned long id() const;
 
-  // All widgets inside the window, in their order, of one type of GTK's.
+  // All widgets of a type inside the window, in order.
   std::vector<GtkWidget*> widgets(GType type) const;
 
   std::size_t rowCount() const;
   Row row(std::size_t index) const;
   std::vector<Row> rows() const;
 
-  // The rows, when there are so many; throws std::runtime_error when they do not come.
+  // Waits until there are at least `count` rows. Throws std::runtime_error when there never are.
   std::vector<Row> awaitRows(std::size_t count) const;
 
-  // Lets the main loop run until the condition holds; throws std::runtime_error when it never does.
+  // Runs the main loop until the condition holds. Throws std::runtime_error when it never does.
   void await(const std::string& what, const std::function<bool()>& condition) const;
 
-  // Lets the main loop run for so long, or until the window is closed.
+  // Runs the main loop for this long, or until the window is closed.
   void run(std::chrono::milliseconds time) const;
 
   // Throws std::runtime_error when there is no button with this label.
@@ -64,10 +64,10 @@ class TestWindow {
   void select(int row) const;
   std::optional<int> selected() const;
 
-  // Gives the window the focus of a server that has no window manager.
+  // Gives the window the focus, without needing a window manager.
   void focus() const;
 
-  // What the window was closed with; none while it is open.
+  // The response that closed the window; nothing while it is open.
   std::optional<int> response() const { return response_; }
 
  private:
@@ -77,34 +77,34 @@ class TestWindow {
   gulong responseHandler_;
 };
 
-// Calls `show`, which shows a test window and returns when it is closed. As soon as the window
-// stands, does `deeds`, and closes the window afterwards if it is still open. What `deeds` throws
-// is thrown here. Warnings of GTK end the process.
+// Calls `show`, which shows a test window and returns when it is closed. Runs `actions` as soon as
+// the window is open, and then closes it unless that has happened. Rethrows what `actions` throws.
+// GTK warnings abort the process.
 void whileTestWindowIsOpen(const std::function<void()>& show,
-                           const std::function<void(TestWindow&)>& deeds);
+                           const std::function<void(TestWindow&)>& actions);
 
-// The same with the DeviceTest of a component, which is expected to be true.
-void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& deeds);
+// The same, where a component shows the window; its DeviceTest is expected to return true.
+void visitWindow(terminal::Component& component, const std::function<void(TestWindow&)>& actions);
 
-// The same with a component of its own.
-void visitWindow(const std::function<void(TestWindow&)>& deeds);
+// The same, with a new component.
+void visitWindow(const std::function<void(TestWindow&)>& actions);
 
-// A scanner whose scans come whole, at a serial port of this path.
+// A scanner on a framed line, at the serial port of this path.
 std::unique_ptr<terminal::SerialLine> scannerAt(const std::string& path);
 
-// The text on the clipboard as another program gets it, while this process does nothing; empty when
-// there is none.
+// The clipboard text as another program gets it, while this process waits; empty when there is no
+// text.
 std::string clipboard();
 
 // A test of the window, in a process of its own.
 class WindowTest : public OnScreen {
  protected:
-  // Plugs a scanner whose scans come whole into a serial port of this path. The port is removed
-  // after the next process.
+  // Plugs a scanner on a framed line into the serial port of this path, which is removed after the
+  // next call of inWindow.
   terminal::SerialLine& plugIn(const std::string& path);
 
-  // Runs `deeds` in the open window, in a process of its own, which has a component of its own.
-  static void inWindow(const std::function<void(TestWindow&)>& deeds);
+  // Runs `actions` in the open window of a new component, in a process of its own.
+  static void inWindow(const std::function<void(TestWindow&)>& actions);
 
  private:
   std::vector<std::unique_ptr<terminal::SerialLine>> scanners_;

@@ -14,7 +14,7 @@ std::atomic<bool> allowed = true;
 
 }  // namespace
 
-// Stands before the C library's own: a program's names are looked up first, by libraries too.
+// Overrides the C library's, for libraries too: the dynamic linker searches the program first.
 extern "C" __attribute__((visibility("default"))) int pthread_create(
     pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
     void* argument) noexcept {

@@ -3,8 +3,8 @@
 
 namespace rig {
 
-// While it lives, starting a thread fails as for want of memory. Works in programs that this file's
-// source is linked into.
+// While it lives, starting a thread fails with EAGAIN. Works only in programs that link this file's
+// source, which replaces pthread_create.
 class NoThreads {
  public:
   NoThreads();

@@ -1,5 +1,4 @@
-// Slot numbers, read from the virtual tables themselves: a compiler cannot be asked for them in a
-// static assertion.
+// Slot numbers of virtual functions. Found at run time, as they are not constant expressions.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A thread without root's right to open every file.
+// Giving up root's right to open any file.
 #pragma once
 
 #include <linux/capability.h>
@@ -9,8 +9,8 @@
 
 namespace rig {
 
-// While it lives, takes from the calling thread, and from those that it starts, the right to open
-// what the file's mode forbids.
+// While it lives, file permissions apply to the calling thread, and to threads that it starts, even
+// for root.
 class WithoutPrivilege {
  public:
   WithoutPrivilege() {

@@ -11,7 +11,7 @@
 namespace rig {
 namespace {
 
-// A description of the server's devices, freed with its owner.
+// The server's device list.
 struct DeviceInfoFreer {
   void operator()(XIDeviceInfo* info) const { XIFreeDeviceInfo(info); }
 };

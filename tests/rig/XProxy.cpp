@@ -32,7 +32,7 @@ namespace {
 
 using quorvel::FileDescriptor;
 
-// Far above the numbers of real displays.
+// Far above the display numbers in real use.
 constexpr int kFirstNumber = 20000;
 
 // Calls bind() or connect() with the address at which clients look for a display first: an abstract
@@ -58,14 +58,14 @@ std::uint16_t cardinalAt(const std::string& bytes, std::size_t offset) {
 
 std::size_t padded(std::size_t size) { return (size + 3) / 4 * 4; }
 
-// The size of the setup that `bytes` begin with; nothing while that cannot be told.
+// The size of the connection setup at the start of `bytes`; nothing until enough of it has come.
 std::optional<std::size_t> sizeOfSetup(const std::string& bytes) {
   constexpr std::size_t kHeader = 12;
   if (bytes.size() < kHeader) return {};
   return kHeader + padded(cardinalAt(bytes, 6)) + padded(cardinalAt(bytes, 8));
 }
 
-// The same for a request. A length of 0 says that the real one follows as a larger number.
+// The same for a request. A length of 0 means that a 32-bit length follows.
 std::optional<std::size_t> sizeOfRequest(const std::string& bytes) {
   if (bytes.size() < 4) return {};
   std::uint32_t words = cardinalAt(bytes, 2);
@@ -76,7 +76,7 @@ std::optional<std::size_t> sizeOfRequest(const std::string& bytes) {
   return std::size_t{words} * 4;
 }
 
-// False when the other side has gone.
+// False when the peer is gone.
 bool sendAll(const FileDescriptor& to, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t sent = send(to.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
@@ -86,7 +86,7 @@ bool sendAll(const FileDescriptor& to, std::string_view bytes) {
   return true;
 }
 
-// What has come; empty at the end.
+// Empty at the end of the connection.
 std::string receive(const FileDescriptor& from) {
   std::array<char, 65536> bytes;
   const ssize_t count = recv(from.get(), bytes.data(), bytes.size(), 0);

@@ -1,4 +1,4 @@
-// An X server that dies at a request of the test's choice.
+// An X server that dies at a chosen request.
 #pragma once
 
 #include <atomic>
@@ -10,12 +10,11 @@
 
 namespace rig {
 
-// Passes everything on between its clients and a real X server, until it dies: then it closes every
-// connection and lets no further client in, as a server that crashes does. The real server lives
-// on.
+// Forwards everything between its clients and a real X server until it dies: then it closes all
+// connections and accepts no more, like a crashed server. The real server keeps running.
 //
-// To try what happens when the server dies at any of the requests that an operation makes, count
-// them once and then die at each:
+// To test an operation against a server that dies at any of its requests, count the requests first
+// and then die at each:
 //
 //   unsigned requests = 0;
 //   {
@@ -29,31 +28,31 @@ namespace rig {
 //     ...
 //   }
 //
-// A process cannot forget a connection that GTK has lost, so there each try takes a child process.
+// GTK does not survive a lost connection, so tests of GTK code need a child process for each try.
 //
-// In a process in which a server has died no leaks are looked for: the driver gives lost
-// connections up as they are, and what Xlib and GTK hold of them stays allocated.
+// In a process in which a server has died no leaks are looked for: the driver gives lost connections
+// up as they are, and what Xlib and GTK hold of them stays allocated.
 class XProxy {
  public:
   static constexpr unsigned kNever = 0;
 
-  // Serves clients in a thread of its own. Dies in place of passing on the client request of the
-  // number `lastRequest`, counted from 1 over all connections; the setup of a connection counts.
+  // Serves clients on a thread of its own. Dies instead of forwarding request number `lastRequest`,
+  // counted from 1 over all connections; setting up a connection counts as a request.
   explicit XProxy(const std::string& realDisplay, unsigned lastRequest = kNever);
   ~XProxy();
   XProxy(const XProxy&) = delete;
   XProxy& operator=(const XProxy&) = delete;
 
-  // What to put into DISPLAY. A name of its own for every proxy.
+  // The value for DISPLAY, different for each proxy.
   std::string display() const { return ":" + std::to_string(number_); }
 
   // How many requests clients have made so far.
   unsigned requests() const { return requests_; }
 
-  // Dies at the request that comes as the `request`th from now.
+  // Dies at the `request`th request from now on.
   void dieAtRequestFromNow(unsigned request) { lastRequest_ = requests_ + request; }
 
-  // Whether it has died. True before any client can notice.
+  // Whether it has died. Already true when a client can notice.
   bool isDead() const { return dead_; }
 
   // Dies now. Returns when every connection is closed.
@@ -80,8 +79,8 @@ class XProxy {
   std::atomic<unsigned> requests_ = 0;
   std::atomic<bool> dead_ = false;  // before the first connection is closed
   quorvel::FileDescriptor listener_;
-  quorvel::FileDescriptor end_;  // readable when the proxy is to die
-  bool alive_ = true;            // used by the thread alone
+  quorvel::FileDescriptor end_;  // readable when the proxy must die
+  bool alive_ = true;            // used only by the thread
   std::list<Link> links_;        // the same
   std::thread thread_;
 };

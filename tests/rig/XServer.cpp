@@ -51,8 +51,7 @@ std::string inputDeviceSection(const std::string& name, const std::string& socke
          "\"\nEndSection\n";
 }
 
-// Reads what the server writes when it is ready: its display number and a line feed. Empty when it
-// has ended instead.
+// The line that the server writes when it is ready: its display number. Empty when it ends instead.
 std::string readLine(int descriptor) {
   std::string line;
   char byte = 0;
@@ -60,7 +59,7 @@ std::string readLine(int descriptor) {
   return byte == '\n' ? line : std::string();
 }
 
-// Starts a program that ends with this thread, inherits one descriptor, and writes to a file.
+// Starts a program that is ended with this thread, inherits one descriptor, and writes to a file.
 pid_t launch(const std::vector<std::string>& command, const std::string& output, int inherited) {
   std::vector<char*> arguments;
   for (const std::string& argument : command) {
@@ -69,7 +68,7 @@ pid_t launch(const std::vector<std::string>& command, const std::string& output,
   arguments.push_back(nullptr);
   const pid_t pid = fork();
   if (pid != 0) return pid;
-  // Other threads may have held any lock when the process forked: from here on only system calls.
+  // Only system calls from here on: another thread may have held any lock when the process forked.
   prctl(PR_SET_PDEATHSIG, SIGTERM);
   const int file = open(output.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
   dup2(file, STDOUT_FILENO);
@@ -163,7 +162,7 @@ void XServer::start() {
   display_ = ":" + number;
 }
 
-// As every desktop session does; the server itself starts with the key codes of another age.
+// As desktop sessions do: the server itself starts with an outdated key code table.
 void XServer::setLayout() const {
   const std::string command =
       "setxkbmap -display " + display_ + " -rules evdev -model pc105 -layout us";

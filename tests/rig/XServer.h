@@ -1,4 +1,4 @@
-// An X server for one test, with keyboards that the test types on.
+// An X server with keyboards that a test types on.
 #pragma once
 
 #include <sys/types.h>
@@ -14,36 +14,36 @@
 
 namespace rig {
 
-// A real X server of the test's own, with a screen in memory and any number of keyboards whose keys
-// the test presses. It takes the first free display number, so several may run side by side, and
-// ends with this object. One thread at a time.
+// A real X server with a screen in memory and any number of keyboards whose keys the test presses.
+// It takes the first free display number, so several can run at once. The destructor ends it. Not
+// thread-safe.
 class XServer {
  public:
-  // Returns when the server serves clients. Each of `keyboards` names a keyboard, as clients will
-  // see it; names may repeat. Throws std::runtime_error, with the server's log, when it does not
+  // Returns when the server accepts clients. `keyboards` are the names of its keyboards as clients
+  // see them, and may repeat. Throws std::runtime_error, with the server's log, when it does not
   // start.
   explicit XServer(const std::vector<std::string>& keyboards);
   ~XServer();
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;
 
-  // What to put into DISPLAY to reach the server.
+  // The value for DISPLAY.
   const std::string& display() const { return display_; }
 
-  // The keyboard at this index of `keyboards`. Connects to its socket at the first call, and from
-  // then on until the server ends: the driver expects no less.
+  // The keyboard at this index of `keyboards`. The first call connects to its socket for as long as
+  // the server runs, since the server's driver accepts only one connection.
   terminal::VirtualKeyboard& keyboard(std::size_t index);
 
-  // Connects again to a keyboard that was switched off and on: the driver has ended the connection.
+  // Connects again to a keyboard that was disabled and enabled, which ends the connection.
   void reconnectKeyboard(std::size_t index);
 
-  // The socket of that keyboard, for another program to connect to instead.
+  // The keyboard's socket, for another program to connect to instead.
   std::string keyboardSocket(std::size_t index) const;
 
-  // Kills the server where it stands, as a crash would; no effect when it has ended.
+  // Kills the server, like a crash. No effect when it has ended.
   void kill();
 
-  // Stops the server for a while. What is typed meanwhile comes to it all at once.
+  // Suspends the server; keys typed until goOn reach it all at once.
   void pause() const;
   void goOn() const;
 
