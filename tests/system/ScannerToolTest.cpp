@@ -373,8 +373,8 @@ TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
   std::filesystem::create_symlink(real, multiplexer);
 }
 
-// With a full line, a scanner must sleep until somebody reads, and not poll.
-TEST(SerialLine, SendingToAFullLineThatNobodyHasOpenSleeps) {
+// poll reports the hangup at once, so the sender must not spin on it.
+TEST(SerialLine, SendingSleepsWhileAFullLineIsNotOpen) {
   terminal::SerialLine line(terminal::LineSetting::kRaw);
   // The line hangs up when its last reader leaves.
   ::close(::open(line.port().c_str(), O_RDONLY | O_NOCTTY));
