@@ -30,8 +30,8 @@ namespace rig {
 //
 // GTK does not survive a lost connection, so tests of GTK code need a child process for each try.
 //
-// In a process in which a server has died no leaks are looked for: the driver gives lost connections
-// up as they are, and what Xlib and GTK hold of them stays allocated.
+// In a process in which a server has died no leaks are looked for: the driver gives lost
+// connections up as they are, and what Xlib and GTK hold of them stays allocated.
 class XProxy {
  public:
   static constexpr unsigned kNever = 0;
