@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -78,6 +81,18 @@ pid_t launch(const std::vector<std::string>& command, const std::string& output,
   _exit(127);
 }
 
+// A socket at the display's address on which nobody listens: clients are refused, and no server can
+// have the number.
+quorvel::FileDescriptor takeDisplay(const std::string& display) {
+  quorvel::FileDescriptor taken(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+  const std::string name = "/tmp/.X11-unix/X" + display.substr(1);
+  name.copy(address.sun_path + 1, name.size());  // an abstract name begins with a zero
+  const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+  bind(taken.get(), reinterpret_cast<const sockaddr*>(&address), length);
+  return taken;
+}
+
 }  // namespace
 
 XServer::XServer(const std::vector<std::string>& keyboards) {
@@ -106,7 +121,11 @@ std::string XServer::keyboardSocket(std::size_t index) const {
   return directory_ / ("keyboard" + std::to_string(index));
 }
 
-void XServer::kill() { end(SIGKILL); }
+void XServer::kill() {
+  if (pid_ <= 0) return;
+  end(SIGKILL);
+  takenNumber_ = takeDisplay(display_);
+}
 
 void XServer::pause() const { ::kill(pid_, SIGSTOP); }
 

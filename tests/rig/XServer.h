@@ -11,6 +11,7 @@
 
 #include "tests/rig/ScratchFolder.h"
 #include "tools/common/KeyTyping.h"
+#include "util/Handles.h"
 
 namespace rig {
 
@@ -40,7 +41,8 @@ class XServer {
   // The keyboard's socket, for another program to connect to instead.
   std::string keyboardSocket(std::size_t index) const;
 
-  // Kills the server, like a crash. No effect when it has ended.
+  // Kills the server, like a crash. No effect when it has ended. Its display number stays taken, so
+  // that clients find no other test's server there.
   void kill();
 
   // Suspends the server; keys typed until goOn reach it all at once.
@@ -60,6 +62,7 @@ class XServer {
   const std::filesystem::path& directory_ = folder_.path();
   std::string display_;
   pid_t pid_ = -1;
+  quorvel::FileDescriptor takenNumber_;  // of a server that was killed
   std::map<std::size_t, std::unique_ptr<terminal::VirtualKeyboard>> connected_;
 };
 
