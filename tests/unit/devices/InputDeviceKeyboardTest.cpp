@@ -13,6 +13,7 @@
 #include "devices/InputDeviceKeyboard.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Patience.h"
+#include "tests/rig/Threads.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
 #include "tests/unit/devices/Messages.h"
@@ -177,6 +178,7 @@ TEST_F(InputDeviceKeyboardTest, CreateReturnsNullWhenTheDeviceCannotBeOpened) {
 }
 
 TEST_F(InputDeviceKeyboardTest, MayBeDestroyedInsideItsCallback) {
+  const std::size_t threads = rig::settledThreadCount();
   const DataCallback deliver = messages_.callback();
   std::unique_ptr<InputDevice> device;
   device = factory_.create([&](const std::wstring& data) {
@@ -187,6 +189,8 @@ TEST_F(InputDeviceKeyboardTest, MayBeDestroyedInsideItsCallback) {
   type(scanner(), "1\r2\r");
   EXPECT_EQ(messages_.take(), L"1");
   awaitRelease();
+  // The keyboard is released inside the callback, which may still be running.
+  rig::awaitThreadCount(threads);
   // Messages that were pending when the device was destroyed are not delivered.
   EXPECT_EQ(messages_.count(), 0U);
 }
