@@ -1,12 +1,7 @@
-// Takes the screenshots of the test window for the documentation: one for each language, with rows
-// from all kinds of devices. Run it in a private /dev, as the tests are, with the output folder.
-#include <sys/wait.h>
-#include <unistd.h>
-
+// Takes the screenshot of the test window for the documentation, with rows from all kinds of devices. Run it in a private /dev, as the tests are, with the output folder.
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <exception>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -84,23 +79,6 @@ void takePicture(rig::XServer& server, const std::string& library, const std::st
   });
 }
 
-// In a process of its own: a process stays in the language that it starts in.
-void takePictureAlone(rig::XServer& server, const std::string& library, const std::string& file) {
-  const pid_t child = fork();
-  if (child == 0) {
-    try {
-      takePicture(server, library, file);
-    } catch (const std::exception& error) {
-      std::cerr << error.what() << std::endl;
-      _exit(EXIT_FAILURE);
-    }
-    _exit(EXIT_SUCCESS);
-  }
-  int status = EXIT_FAILURE;
-  waitpid(child, &status, 0);
-  if (status != EXIT_SUCCESS) throw std::runtime_error("no picture " + file);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -108,9 +86,6 @@ int main(int argc, char** argv) {
     std::cerr << "usage: take_screenshots FOLDER\n";
     return 2;
   }
-  const std::string folder = argv[1];
   rig::XServer server({"Handheld Scanner"});
-  server.keyboard(0);
-  takePictureAlone(server, rig::libraryPath(), folder + "/test-window-ru.png");
-  takePictureAlone(server, rig::englishLibraryPath(), folder + "/test-window-en.png");
+  takePicture(server, rig::libraryPath(), argv[1] + std::string("/test-window.png"));
 }
