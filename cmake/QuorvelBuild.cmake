@@ -24,7 +24,14 @@ target_include_directories(quorvel_build INTERFACE
   "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/generated")
 target_compile_options(quorvel_build INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
-  -fPIC -fvisibility=hidden -fvisibility-inlines-hidden -fstack-protector-strong)
+  -fPIC -fvisibility=hidden -fvisibility-inlines-hidden
+  -fstack-protector-strong -fstack-clash-protection)
+# A container used beyond its bounds ends the process instead of reading or writing there.
+target_compile_definitions(quorvel_build INTERFACE _GLIBCXX_ASSERTIONS)
+if(QUORVEL_WORD_SIZE EQUAL 64 AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+  # Linux has control-flow protection for 64-bit programs only.
+  target_compile_options(quorvel_build INTERFACE -fcf-protection=full)
+endif()
 if(QUORVEL_WERROR)
   target_compile_options(quorvel_build INTERFACE -Werror)
 endif()
@@ -41,9 +48,19 @@ if(QUORVEL_SANITIZE)
     target_compile_options(quorvel_build INTERFACE -fsanitize=fuzzer-no-link)
   endif()
 else()
-  # Not with sanitizers: both intercept the same calls.
-  target_compile_options(quorvel_build INTERFACE
-    "$<IF:${unoptimized},-O0,-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  # Not with sanitizers: both intercept the same calls. Headers older than the compiler, or a compiler
+  # older than they, may warn of level 3 or take it for 2.
+  include(CheckCXXSourceCompiles)
+  set(CMAKE_REQUIRED_FLAGS "-O2 -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -Werror")
+  check_cxx_source_compiles("#include <cstdlib>
+    #if __USE_FORTIFY_LEVEL < 3
+    #error
+    #endif
+    int main() {}" QUORVEL_FORTIFY_3)
+  unset(CMAKE_REQUIRED_FLAGS)
+  set(QUORVEL_FORTIFY_LEVEL "$<IF:$<BOOL:${QUORVEL_FORTIFY_3}>,3,2>")
+  target_compile_options(quorvel_build INTERFACE -U_FORTIFY_SOURCE
+    "$<IF:${unoptimized},-O0,-D_FORTIFY_SOURCE=${QUORVEL_FORTIFY_LEVEL}>")
 endif()
 if(QUORVEL_BUNDLE)
   # A host may bring a C++ runtime of its own, older than the one this was built with. Its symbols
@@ -78,6 +95,19 @@ function(quorvel_room name)
   target_link_libraries(quorvel_${name} PUBLIC quorvel_build ${room_USES})
 endfunction()
 
+set(QUORVEL_HARD_LINK LINKER:-z,relro,-z,now,-z,noexecstack)
+
+# quorvel_tool(NAME SOURCES file... USES target...)
+#
+# Declares a program that is shipped.
+function(quorvel_tool name)
+  cmake_parse_arguments(PARSE_ARGV 1 tool "" "" "SOURCES;USES")
+  add_executable(${name} ${tool_SOURCES})
+  target_link_libraries(${name} PRIVATE ${tool_USES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+  target_link_options(${name} PRIVATE -pie ${QUORVEL_HARD_LINK})
+endfunction()
+
 # quorvel_component(TARGET FILE-NAME)
 #
 # Turns a shared library into a component that a host can load: links all rooms and limits the exports
@@ -94,7 +124,7 @@ function(quorvel_component target file)
   # nodelete: the clipboard may still be serving other programs after the host unloads the library.
   target_link_options(${target} PRIVATE
     "LINKER:--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map"
-    "LINKER:-z,relro,-z,now,-z,noexecstack,-z,nodelete")
+    ${QUORVEL_HARD_LINK} LINKER:-z,nodelete)
   if(NOT QUORVEL_SANITIZE)
     target_link_options(${target} PRIVATE "LINKER:--no-undefined")
   endif()

@@ -1,0 +1,2 @@
+// A program with none of the product's hardening.
+int main() { return 0; }
