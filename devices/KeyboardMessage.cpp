@@ -4,8 +4,6 @@
 #include <X11/keysym.h>
 
 #include <cstdlib>
-#include <new>
-#include <utility>
 
 #include "devices/NonPrintableKeys.h"
 
@@ -36,29 +34,19 @@ std::optional<std::string> KeyboardMessage::add(const XIDeviceEvent& key) {
   const TypedKey typed = translate(key);
   if (typed.keysym == NoSymbol) return {};
   if (isGroupSeparator(typed.keysym, key.mods.base)) {
-    append(kGroupSeparatorByte);
+    bytes_.append(kGroupSeparatorByte);
     return {};
   }
   if (listenOnly_) {
     const std::string name = NonPrintableKeys::getKeyShortName(typed.keysym);
     if (!name.empty()) {
-      append(name);
+      bytes_.append(name);
       return {};
     }
   }
   if (typed.byte == endByte_) return end();
-  if (typed.byte) append(*typed.byte);
+  if (typed.byte) bytes_.append(*typed.byte);
   return {};
-}
-
-void KeyboardMessage::drop() {
-  bytes_.clear();
-  dropsToEnd_ = false;
-}
-
-void KeyboardMessage::dropToEnd() {
-  bytes_.clear();
-  dropsToEnd_ = true;
 }
 
 KeyboardMessage::TypedKey KeyboardMessage::translate(const XIDeviceEvent& key) const {
@@ -81,24 +69,9 @@ bool KeyboardMessage::isGroupSeparator(KeySym keysym, int modifiers) const {
          keysym == groupSeparator_;
 }
 
-template <typename Text>
-void KeyboardMessage::append(const Text& text) {
-  if (dropsToEnd_) return;
-  try {
-    bytes_ += text;
-  } catch (const std::bad_alloc&) {
-    // Never the rest of a message as if it were a whole one.
-    dropToEnd();
-  }
-}
-
 std::optional<std::string> KeyboardMessage::end() {
-  if (std::exchange(dropsToEnd_, false)) return {};
-  if (listenOnly_) {
-    append(endByte_);
-    if (std::exchange(dropsToEnd_, false)) return {};
-  }
-  return std::exchange(bytes_, {});
+  if (listenOnly_) bytes_.append(endByte_);
+  return bytes_.take();
 }
 
 }  // namespace quorvel

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "devices/InputDeviceFactories.h"
+#include "devices/MessageBytes.h"
 #include "devices/XConnection.h"
 
 namespace quorvel {
@@ -22,10 +23,10 @@ class KeyboardMessage {
   std::optional<std::string> add(const XIDeviceEvent& key);
 
   // Drops what was typed so far; the next key begins a message.
-  void drop();
+  void drop() { bytes_.clear(); }
 
   // Drops the message up to its end byte, because a key of it is missing.
-  void dropToEnd();
+  void dropToEnd() { bytes_.drop(); }
 
  private:
   struct TypedKey {
@@ -34,16 +35,13 @@ class KeyboardMessage {
   };
   TypedKey translate(const XIDeviceEvent& key) const;
   bool isGroupSeparator(KeySym keysym, int modifiers) const;
-  template <typename Text>
-  void append(const Text& text);
   std::optional<std::string> end();
 
   const XConnection& connection_;
   char endByte_;
   KeySym groupSeparator_;  // NoSymbol matches no key
   bool listenOnly_;
-  std::string bytes_;  // so far
-  bool dropsToEnd_ = false;
+  MessageBytes bytes_;
 };
 
 }  // namespace quorvel

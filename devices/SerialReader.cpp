@@ -1,8 +1,5 @@
 #include "devices/SerialReader.h"
 
-#include <exception>
-#include <new>
-
 #include "devices/SerialFamilies.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
@@ -69,28 +66,6 @@ void SerialReader::deliver(std::size_t cut) {
   const std::wstring data = ConvertMbsToWcs(raw2Base64(message_.bytes()), factory_.comEncoding);
   const ScopedSignalMask hosts(callbackMask_);
   callback_(data);
-}
-
-void SerialReader::Message::clear() {
-  bytes_.clear();
-  incomplete_ = false;
-}
-
-void SerialReader::Message::append(char byte) {
-  if (incomplete_) return;
-  try {
-    bytes_ += byte;
-  } catch (const std::exception&) {
-    // No memory. The rest up to the end byte must not pass for a message of its own.
-    bytes_ = {};
-    incomplete_ = true;
-  }
-}
-
-bool SerialReader::Message::cutTail(std::size_t count) {
-  if (incomplete_ || bytes_.size() < count) return false;
-  bytes_.resize(bytes_.size() - count);
-  return true;
 }
 
 }  // namespace quorvel

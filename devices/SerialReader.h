@@ -8,6 +8,7 @@
 
 #include "devices/InputDevice.h"
 #include "devices/InputDeviceFactories.h"
+#include "devices/MessageBytes.h"
 #include "devices/SerialPort.h"
 #include "util/SignalMask.h"
 
@@ -29,21 +30,6 @@ class SerialReader {
   void stop();
 
  private:
-  // The bytes of a message so far. One that does not fit into memory is dropped as a whole.
-  class Message {
-   public:
-    void clear();
-    void append(char byte);
-    bool empty() const { return bytes_.empty() && !incomplete_; }
-    // Cuts bytes off the end. False when what remains is no message.
-    bool cutTail(std::size_t count);
-    const std::string& bytes() const { return bytes_; }
-
-   private:
-    std::string bytes_;
-    bool incomplete_ = false;
-  };
-
   // Reads up to the end of one message, or of what the port holds, and delivers the message.
   void readPass();
   bool endsMessage(char byte) const { return !suffix_.empty() && byte == suffix_.back(); }
@@ -55,7 +41,7 @@ class SerialReader {
   const SignalMask callbackMask_;
   const std::string suffix_;
   SerialPort port_;
-  Message message_;
+  MessageBytes message_;
   std::atomic<bool> running_ = true;
   std::optional<std::chrono::steady_clock::time_point> leaveBy_;  // set once it is to stop
 };

@@ -53,6 +53,7 @@ class KeyboardMessageTest : public testing::Test {
 };
 
 constexpr Key kKeyWithoutSymbol{93};
+constexpr Key kKeypadEnter{104};
 constexpr int kControlAndShift = ControlMask | ShiftMask;
 
 TEST_F(KeyboardMessageTest, SkipsAKeyWithoutASymbol) {
@@ -100,6 +101,26 @@ TEST_F(KeyboardMessageTest, LosesAMessageWhenThereIsNoMemoryForItsEndByte) {
     EXPECT_EQ(ended.value_or(text + "\r"), text + "\r");
     EXPECT_EQ(type(message, "next\r"), "next\r");
   }
+}
+
+TEST_F(KeyboardMessageTest, DropsAMessageOfMoreThanAMebibyteUpToItsEnd) {
+  factory_.listenOnly = true;
+  KeyboardMessage message(factory_, connection_);
+  constexpr std::string_view kName = "'CR(Numpad)'";  // what the key stands for
+  const auto typeBytes = [&](std::size_t count) {
+    for (std::size_t i = 0; i < count / kName.size(); ++i) press(message, kKeypadEnter);
+    for (std::size_t i = 0; i < count % kName.size(); ++i) press(message, strokeFor('x')->key);
+  };
+  constexpr std::size_t kLongest = 1 << 20;
+  typeBytes(kLongest - 1);  // and the end byte, which listening keeps
+  const std::optional<std::string> longest = press(message, Key::kReturn);
+  ASSERT_TRUE(longest);
+  EXPECT_EQ(longest->size(), kLongest);
+  typeBytes(kLongest);
+  EXPECT_EQ(press(message, Key::kReturn), std::nullopt);
+  typeBytes(kLongest + kName.size());
+  EXPECT_EQ(press(message, Key::kReturn), std::nullopt);
+  EXPECT_EQ(type(message, "next\r"), "next\r");
 }
 
 TEST_F(KeyboardMessageTest, StartsANewMessageAfterADrop) {

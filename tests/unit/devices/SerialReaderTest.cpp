@@ -4,16 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "devices/InputDeviceComPort.h"
 #include "devices/SerialReader.h"
 #include "tests/rig/BeforeEachByte.h"
 #include "tests/rig/FailingAllocation.h"
 #include "tests/rig/Patience.h"
+#include "tests/rig/ScratchFolder.h"
 #include "tests/unit/devices/Messages.h"
 #include "tools/common/SerialLine.h"
 #include "util/PosixThread.h"
@@ -88,6 +91,29 @@ TEST(SerialReader, DropsAMessageUpToItsEndWhenMemoryRunsOut) {
   run.reader.run();
   EXPECT_EQ(run.messages.take(), L"next");
   EXPECT_EQ(run.messages.count(), 0U);
+}
+
+TEST(SerialReader, DropsAMessageOfMoreThanAMebibyteUpToItsEnd) {
+  const std::string longest(1 << 20, 'A');
+  const std::string scans = longest + '\r' + longest + "B\rnext\r";
+  const rig::ScratchFolder folder;
+  const std::filesystem::path file = folder.path() / "scans";
+  std::ofstream(file) << scans;
+  std::filesystem::create_symlink(file, kUsb1Path);
+  std::vector<std::wstring> messages;
+  SerialReader reader(
+      usb1(), [&messages](const std::wstring& data) { messages.push_back(base642Raw(data)); });
+  const bool opened = reader.open();
+  std::filesystem::remove(kUsb1Path);
+  ASSERT_TRUE(opened);
+  std::size_t bytes = 0;
+  const rig::BeforeEachByte stopAtTheEnd([&] {
+    if (++bytes == scans.size()) reader.stop();
+  });
+  reader.run();
+  ASSERT_EQ(messages.size(), 2U);
+  EXPECT_TRUE(messages[0] == std::wstring(longest.begin(), longest.end()));
+  EXPECT_EQ(messages[1], L"next");
 }
 
 std::size_t ownStackSize() {
