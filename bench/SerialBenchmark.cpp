@@ -1,0 +1,140 @@
+// What the driver costs on a serial port beside a reader that does nothing but read.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "bench/AllocationCount.h"
+#include "bench/BareSerialReader.h"
+#include "tests/rig/SerialDriver.h"
+#include "tests/rig/Threads.h"
+#include "tools/common/HostText.h"
+
+namespace {
+
+using Clock = std::chrono::system_clock;
+using Microseconds = std::chrono::duration<double, std::micro>;
+
+constexpr std::int32_t kUsb1 = 129;
+constexpr std::int32_t kUsb2 = 130;
+constexpr std::string_view kScan = "4600051000057\r";
+constexpr std::size_t kScansPerBatch = 1000;
+
+double percentileOf(std::vector<double> values, double percent) {
+  const auto rank = static_cast<double>(values.size() - 1) * percent / 100;
+  const auto place = values.begin() + static_cast<std::ptrdiff_t>(rank);
+  std::nth_element(values.begin(), place, values.end());
+  return *place;
+}
+
+// One reader, its thread and the line it reads.
+struct Reader {
+  explicit Reader(terminal::SerialLine& itsLine) : line(itsLine) {}
+
+  terminal::SerialLine& line;
+  pid_t thread = 0;
+  std::vector<double> latencies;    // microseconds
+  std::vector<double> throughput;   // scans per second
+  std::vector<double> processor;    // microseconds per scan, of the reader's thread
+  std::vector<double> allocations;  // per scan, those of the host included
+};
+
+// The driver and the bare reader in one process, each on a line of its own, with one host.
+class SideBySide {
+ public:
+  SideBySide() {
+    driven.thread = rig::threadAddedBy([this] { driver_.open(kUsb1); });
+    bare.thread = rig::threadAddedBy([this] {
+      bareReader_ = std::make_unique<bench::BareSerialReader>(
+          rig::portPath(kUsb2), [this](const std::string& scan) { raise(scan); });
+    });
+  }
+
+  // The time from the last byte of a scan to its event. The reader sleeps until then.
+  void measureLatency(Reader& reader) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    const Clock::time_point sent = Clock::now();
+    reader.line.send(kScan);
+    reader.latencies.push_back(Microseconds(driver_.event().time - sent).count());
+  }
+
+  void measureBatch(Reader& reader) {
+    const auto processorBefore = rig::processorTime(reader.thread);
+    const std::size_t allocationsBefore = bench::allocationCount();
+    const auto start = std::chrono::steady_clock::now();
+    reader.line.send(batch_);
+    for (std::size_t i = 0; i < kScansPerBatch; ++i) driver_.event();
+    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+    const std::size_t allocations = bench::allocationCount() - allocationsBefore;
+    const Microseconds processor = rig::processorTime(reader.thread) - processorBefore;
+    reader.throughput.push_back(kScansPerBatch / time.count());
+    reader.processor.push_back(processor.count() / kScansPerBatch);
+    reader.allocations.push_back(static_cast<double>(allocations) / kScansPerBatch);
+  }
+
+ private:
+  void raise(const std::string& scan) {
+    std::u16string source = u"InputDevice#0";
+    std::u16string name = u"Barcode";
+    std::u16string data = terminal::toHostText(scan);
+    driver_.component.connection().ExternalEvent(source.data(), name.data(), data.data());
+  }
+
+  rig::SerialDriver driver_;
+  std::unique_ptr<bench::BareSerialReader> bareReader_;
+  std::string batch_ = [] {
+    std::string scans;
+    for (std::size_t i = 0; i < kScansPerBatch; ++i) scans += kScan;
+    return scans;
+  }();
+
+ public:
+  Reader driven{driver_.plugIn(kUsb1)};
+  Reader bare{driver_.plugIn(kUsb2)};
+};
+
+void compare(benchmark::State& state, const std::string& name, const std::vector<double>& driven,
+             const std::vector<double>& bare, double percent = 50) {
+  const double ofDriver = percentileOf(driven, percent);
+  const double ofBare = percentileOf(bare, percent);
+  state.counters[name + "_driver"] = ofDriver;
+  state.counters[name + "_bare"] = ofBare;
+  state.counters[name + "_ratio"] = ofDriver / ofBare;
+}
+
+// The two take turns, so that whatever else the machine does meets both alike.
+void latency(benchmark::State& state) {
+  SideBySide test;
+  for (auto iteration : state) {
+    test.measureLatency(test.driven);
+    test.measureLatency(test.bare);
+    state.SetIterationTime(test.driven.latencies.back() / 1e6);
+  }
+  compare(state, "p50_us", test.driven.latencies, test.bare.latencies, 50);
+  compare(state, "p99_us", test.driven.latencies, test.bare.latencies, 99);
+}
+BENCHMARK(latency)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(2000);
+
+void manyScans(benchmark::State& state) {
+  SideBySide test;
+  for (auto iteration : state) {
+    test.measureBatch(test.driven);
+    test.measureBatch(test.bare);
+    state.SetIterationTime(1 / test.driven.throughput.back());
+  }
+  compare(state, "scans_per_s", test.driven.throughput, test.bare.throughput);
+  compare(state, "cpu_us", test.driven.processor, test.bare.processor);
+  compare(state, "allocations", test.driven.allocations, test.bare.allocations);
+}
+BENCHMARK(manyScans)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(40);
+
+}  // namespace
+
+BENCHMARK_MAIN();
