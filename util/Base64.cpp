@@ -15,19 +15,27 @@ constexpr std::string_view kAlphabet =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 static_assert(kAlphabet.size() == 64);
 
-constexpr std::uint8_t kForeign = 0x80;
+// Above the 24 bits of a group.
+constexpr std::uint32_t kForeign = std::uint32_t{1} << 24;
 
-// The sextet of each character, kForeign for one outside the alphabet.
-constexpr std::array<std::uint8_t, 256> kSextets = [] {
-  std::array<std::uint8_t, 256> sextets{};
-  sextets.fill(kForeign);
-  for (std::size_t i = 0; i < kAlphabet.size(); ++i) {
-    sextets[static_cast<std::uint8_t>(kAlphabet[i])] = static_cast<std::uint8_t>(i);
+// What each character adds to its group when it stands at one of the four places: its sextet there,
+// or kForeign when it is outside the alphabet.
+using Place = std::array<std::uint32_t, 256>;
+constexpr std::array<Place, 4> kPlaces = [] {
+  std::array<Place, 4> places{};
+  for (std::size_t place = 0; place < places.size(); ++place) {
+    places[place].fill(kForeign);
+    for (std::size_t sextet = 0; sextet < kAlphabet.size(); ++sextet) {
+      places[place][static_cast<std::uint8_t>(kAlphabet[sextet])] =
+          static_cast<std::uint32_t>(sextet << (18 - 6 * place));
+    }
   }
-  return sextets;
+  return places;
 }();
 
-std::uint8_t sextetOf(char character) { return kSextets[static_cast<std::uint8_t>(character)]; }
+std::uint32_t partOf(char character, std::size_t place) {
+  return kPlaces[place][static_cast<std::uint8_t>(character)];
+}
 
 void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
   const std::uint32_t group =
@@ -40,12 +48,9 @@ void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
 
 // False for a group with a foreign character in it; nothing is written then.
 bool decodeGroup(const char* in, char* out) {
-  const std::uint32_t a = sextetOf(in[0]);
-  const std::uint32_t b = sextetOf(in[1]);
-  const std::uint32_t c = sextetOf(in[2]);
-  const std::uint32_t d = sextetOf(in[3]);
-  if (((a | b | c | d) & kForeign) != 0) return false;
-  const std::uint32_t group = a << 18 | b << 12 | c << 6 | d;
+  const std::uint32_t group =
+      partOf(in[0], 0) | partOf(in[1], 1) | partOf(in[2], 2) | partOf(in[3], 3);
+  if ((group & kForeign) != 0) return false;
   out[0] = static_cast<char>(group >> 16);
   out[1] = static_cast<char>(group >> 8);
   out[2] = static_cast<char>(group);
@@ -77,7 +82,7 @@ std::string base64_decode(const std::string& text) {
 
   char last[4] = {'A', 'A', 'A', 'A'};
   std::ptrdiff_t held = 0;
-  while (in != end && sextetOf(*in) != kForeign) last[held++] = *in++;
+  while (in != end && partOf(*in, 0) != kForeign) last[held++] = *in++;
   decodeGroup(last, out);
   const std::ptrdiff_t lastBytes = std::max<std::ptrdiff_t>(held - 1, 0);
   raw.resize(static_cast<std::size_t>(out - raw.data() + lastBytes));
