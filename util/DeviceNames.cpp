@@ -1,12 +1,26 @@
 #include "util/DeviceNames.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace quorvel {
 namespace {
 
 constexpr std::string_view kXMLMarkup = "&<>\"'";
+
+// What TrimXMLIllegalChars makes of each byte.
+constexpr std::array<char, 256> kTrimmed = [] {
+  std::array<char, 256> trimmed{};
+  for (std::size_t byte = 0; byte < trimmed.size(); ++byte) {
+    const auto character = static_cast<char>(byte);
+    const bool illegal = byte >= 0x80 || kXMLMarkup.find(character) != kXMLMarkup.npos;
+    trimmed[byte] = illegal ? ' ' : character;
+  }
+  return trimmed;
+}();
 
 bool isControl(char byte) { return byte >= 0 && byte < ' '; }
 
@@ -15,9 +29,7 @@ bool isControl(char byte) { return byte >= 0 && byte < ' '; }
 bool NotASCII(char byte) { return (byte & 0x80) != 0; }
 
 bool TrimXMLIllegalChars(std::string& text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char byte) { return NotASCII(byte) || kXMLMarkup.find(byte) != kXMLMarkup.npos; }, ' ');
+  for (char& byte : text) byte = kTrimmed[static_cast<std::uint8_t>(byte)];
   return true;
 }
 
