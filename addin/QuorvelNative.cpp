@@ -28,6 +28,14 @@ std::optional<Language> languageOfMethodName(long number) {
   }
 }
 
+using HostText = std::unique_ptr<WCHAR_T[]>;
+
+HostText hostText(const wchar_t* text) {
+  WCHAR_T* converted = nullptr;
+  convToShortWchar(&converted, text);
+  return HostText(converted);
+}
+
 // Runs an operation that the host has called and turns an exception into its failure result.
 template <typename Result, typename Operation>
 Result guarded(Result failure, Operation operation) noexcept {
@@ -137,10 +145,11 @@ void QuorvelNative::OnInput(const std::wstring& source, int equipmentType, int d
   if (!connection) return;
   const auto equipmentCode = static_cast<unsigned>(equipmentType);
   const auto dataCode = static_cast<unsigned>(dataType);
-  const WcharWrapper eventSource(source.c_str());
-  const WcharWrapper eventName(eventNameOf(equipmentCode, dataCode, AppSettings::language()));
-  const WcharWrapper eventData(outputData(data, dataCode).c_str());
-  connection->ExternalEvent(eventSource.shortText(), eventName.shortText(), eventData.shortText());
+  const HostText eventSource = hostText(source.c_str());
+  const HostText eventName =
+      hostText(eventNameOf(equipmentCode, dataCode, AppSettings::language()));
+  const HostText eventData = hostText(outputData(data, dataCode).c_str());
+  connection->ExternalEvent(eventSource.get(), eventName.get(), eventData.get());
 }
 
 WCHAR_T* QuorvelNative::AllocAndConvert(const wchar_t* text) const {

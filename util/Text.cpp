@@ -1,9 +1,11 @@
 #include "util/Text.h"
 
+#include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/trim.hpp>
 #include <boost/locale/encoding_utf.hpp>
 #include <ctime>
+#include <type_traits>
 
 namespace quorvel {
 namespace {
@@ -29,6 +31,20 @@ String replaceAll(const String& text, const String& what, const String& with) {
   return result.append(text, begin);
 }
 
+// ASCII is the same in every form of Unicode, and is what scans mostly are: a copy is enough.
+template <typename Character>
+bool isAscii(const std::basic_string<Character>& text) {
+  return std::all_of(text.begin(), text.end(), [](Character character) {
+    return static_cast<std::make_unsigned_t<Character>>(character) < 0x80;
+  });
+}
+
+template <typename To, typename From>
+std::basic_string<To> convertUtf(const std::basic_string<From>& text) {
+  if (isAscii(text)) return std::basic_string<To>(text.begin(), text.end());
+  return boost::locale::conv::utf_to_utf<To>(text);
+}
+
 }  // namespace
 
 std::string trim(std::string& text) { return trimInPlace(text); }
@@ -47,15 +63,11 @@ std::wstring replace(const std::wstring& text, const std::wstring& what, const s
 std::string str_tolower(const std::string& text) { return boost::algorithm::to_lower_copy(text); }
 std::wstring str_tolower(const std::wstring& text) { return boost::algorithm::to_lower_copy(text); }
 
-std::string wstr2str(const std::wstring& text) {
-  return boost::locale::conv::utf_to_utf<char>(text);
-}
+std::string wstr2str(const std::wstring& text) { return convertUtf<char>(text); }
 std::string wstrtostr(const std::wstring& text) { return wstr2str(text); }
 std::string wba2ba(const std::wstring& text) { return wstr2str(text); }
 
-std::wstring str2wstr(const std::string& text) {
-  return boost::locale::conv::utf_to_utf<wchar_t>(text);
-}
+std::wstring str2wstr(const std::string& text) { return convertUtf<wchar_t>(text); }
 std::wstring strtowstr(const std::string& text) { return str2wstr(text); }
 std::wstring ba2wba(const std::string& text) { return str2wstr(text); }
 
