@@ -1,15 +1,14 @@
 // The speed of the base64 coder as a multiple of GLib's.
 #include <benchmark/benchmark.h>
 #include <glib.h>
-#include <time.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "bench/Measure.h"
 #include "util/Base64.h"
 
 namespace {
@@ -54,37 +53,11 @@ void decode(const std::string& text) {
 
 using Coder = void (*)(const std::string&);
 
-// Of this thread, so that other programs on a busy machine do not count.
-double cpuSeconds() {
-  timespec now = {};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-double secondsOf(Coder coder, const std::string& input, std::int64_t times) {
-  const double start = cpuSeconds();
-  for (std::int64_t i = 0; i < times; ++i) coder(input);
-  return cpuSeconds() - start;
-}
-
-double medianOf(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-// The two take turns, so that whatever else the machine does slows both.
 void compare(benchmark::State& state, Coder own, Coder glib, const std::string& input) {
-  const std::int64_t times =
-      std::max<std::int64_t>(1, kBytesPerBatch / static_cast<std::int64_t>(input.size()));
-  std::vector<double> ownSeconds;
-  std::vector<double> glibSeconds;
-  for (auto iteration : state) {
-    ownSeconds.push_back(secondsOf(own, input, times));
-    glibSeconds.push_back(secondsOf(glib, input, times));
-    state.SetIterationTime(ownSeconds.back() / static_cast<double>(times));
-  }
-  state.counters["times_glib"] = medianOf(glibSeconds) / medianOf(ownSeconds);
+  const auto size = static_cast<std::int64_t>(input.size());
+  bench::compareSpeed(
+      state, "times_glib", std::max<std::int64_t>(1, kBytesPerBatch / size), [&] { own(input); },
+      [&] { glib(input); });
 }
 
 void encoding(benchmark::State& state) {

@@ -2,12 +2,12 @@
 // and four serial ports.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <vector>
 
 #include "bench/BareListing.h"
+#include "bench/Measure.h"
 #include "tests/rig/DeviceFiles.h"
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
@@ -22,12 +22,6 @@ double secondsOf(const Work& work) {
   const auto start = std::chrono::steady_clock::now();
   work();
   return Seconds(std::chrono::steady_clock::now() - start).count();
-}
-
-double medianOf(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
 }
 
 // The two take turns, so that whatever else the machine does meets both alike, and each goes first
@@ -54,9 +48,9 @@ void formAgainstBareListing(benchmark::State& state) {
     if (!formFirst) takeForm();
     state.SetIterationTime(form.back());
   }
-  state.counters["form_ms"] = 1000 * medianOf(form);
-  state.counters["bare_ms"] = 1000 * medianOf(bare);
-  state.counters["ratio"] = medianOf(form) / medianOf(bare);
+  state.counters["form_ms"] = 1000 * bench::medianOf(form);
+  state.counters["bare_ms"] = 1000 * bench::medianOf(bare);
+  state.counters["ratio"] = bench::medianOf(form) / bench::medianOf(bare);
 }
 BENCHMARK(formAgainstBareListing)
     ->Name("GetParameters")

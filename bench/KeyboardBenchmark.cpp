@@ -3,7 +3,6 @@
 #include <X11/extensions/XInput2.h>
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -13,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/Measure.h"
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Threads.h"
@@ -28,13 +28,6 @@ using terminal::Key;
 
 enum Keyboard : std::size_t { kDriven, kBare };
 const std::vector<std::string> kNames = {"Driven", "Bare"};
-
-double percentileOf(std::vector<double> values, double percent) {
-  const auto rank = static_cast<double>(values.size() - 1) * percent / 100;
-  const auto place = values.begin() + static_cast<std::ptrdiff_t>(rank);
-  std::nth_element(values.begin(), place, values.end());
-  return *place;
-}
 
 // When the next press of Return arrives at a client that does nothing but wait for events.
 Clock::time_point nextReturnOf(Display* display) {
@@ -86,8 +79,8 @@ void endKeyToEvent(benchmark::State& state) {
   }
   for (const int percent : {50, 99}) {
     const std::string name = "p" + std::to_string(percent) + "_";
-    const double ofDriver = percentileOf(driverTimes, percent);
-    const double ofBare = percentileOf(bareTimes, percent);
+    const double ofDriver = bench::percentileOf(driverTimes, percent);
+    const double ofBare = bench::percentileOf(bareTimes, percent);
     state.counters[name + "driver_us"] = ofDriver;
     state.counters[name + "bare_us"] = ofBare;
     state.counters[name + "ratio"] = ofDriver / ofBare;

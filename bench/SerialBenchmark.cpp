@@ -1,7 +1,6 @@
 // What the driver costs on a serial port beside a reader that does nothing but read.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <memory>
@@ -13,6 +12,7 @@
 
 #include "bench/AllocationCount.h"
 #include "bench/BareSerialReader.h"
+#include "bench/Measure.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
 #include "tools/common/HostText.h"
@@ -26,13 +26,6 @@ constexpr std::int32_t kUsb1 = 129;
 constexpr std::int32_t kUsb2 = 130;
 constexpr std::string_view kScan = "4600051000057\r";
 constexpr std::size_t kScansPerBatch = 1000;
-
-double percentileOf(std::vector<double> values, double percent) {
-  const auto rank = static_cast<double>(values.size() - 1) * percent / 100;
-  const auto place = values.begin() + static_cast<std::ptrdiff_t>(rank);
-  std::nth_element(values.begin(), place, values.end());
-  return *place;
-}
 
 // One reader, its thread and the line it reads.
 struct Reader {
@@ -102,8 +95,8 @@ class SideBySide {
 
 void compare(benchmark::State& state, const std::string& name, const std::vector<double>& driven,
              const std::vector<double>& bare, double percent = 50) {
-  const double ofDriver = percentileOf(driven, percent);
-  const double ofBare = percentileOf(bare, percent);
+  const double ofDriver = bench::percentileOf(driven, percent);
+  const double ofBare = bench::percentileOf(bare, percent);
   state.counters[name + "_driver"] = ofDriver;
   state.counters[name + "_bare"] = ofBare;
   state.counters[name + "_ratio"] = ofDriver / ofBare;
