@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "dialog/SelectionOwner.h"
+#include "dialog/XcbFunctions.h"
 #include "util/PosixThread.h"
 
 namespace quorvel {
@@ -38,6 +39,7 @@ void* offerText(void* argument) {
 // Each text has its own owner, which ends when the next owner, in any process, takes the selection.
 bool clip::set_text(const std::string& text) {
   try {
+    if (!quorvel::openXcb()) return false;
     auto offer = std::make_unique<quorvel::Offer>(quorvel::Offer{text, {}});
     std::future<bool> taken = offer->taken.get_future();
     quorvel::PosixThread thread;

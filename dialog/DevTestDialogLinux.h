@@ -44,7 +44,7 @@ class DevTestDialogLinux {
   std::string LoadString(STRING_ID id) const;
 
   // Adds a row for a message, given as the base64 text of its bytes. Empty messages, and messages
-  // that come after the window has closed, are ignored. Any thread.
+  // that come after the window has closed, are ignored. Any thread, once GTK has been opened.
   void OnInput(const std::wstring& source, const std::wstring& data);
 
  private:

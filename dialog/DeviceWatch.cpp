@@ -2,7 +2,6 @@
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
-#include <glib-unix.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -15,6 +14,7 @@
 
 #include "devices/KeyboardList.h"
 #include "devices/SerialFamilies.h"
+#include "dialog/GtkFunctions.h"
 #include "util/PosixThread.h"
 
 namespace quorvel {

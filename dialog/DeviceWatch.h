@@ -14,7 +14,7 @@
 namespace quorvel {
 
 // Watches /dev and the X server for as long as it exists. Where there is no inotify or no X server,
-// nothing is noticed. GTK thread.
+// nothing is noticed. GTK thread, once GTK has been opened.
 class DeviceWatch {
  public:
   // The main loop calls `portAppeared` with the port number of a serial port whose file has

@@ -1,6 +1,6 @@
 #include "dialog/Gtk.h"
 
-#include <gdk/gdkx.h>
+#include <dlfcn.h>
 
 #include "devices/XErrors.h"
 
@@ -14,6 +14,24 @@ struct State {
   void (*displayLost)() = nullptr;
 };
 State state;
+
+bool isLoaded(const char* library) {
+  void* const handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+  if (handle) dlclose(handle);
+  return handle != nullptr;
+}
+
+// Whether the host has brought a later GTK than the driver's. Both register types of the same
+// names, which ends the process, at the latest when the second one is used.
+bool isBesideLaterGtk() {
+  return isLoaded("libgtk-3.so.0") || isLoaded("libgtk-4.so.1") ||
+         dlsym(RTLD_DEFAULT, "gtk_get_major_version");
+}
+
+// Whether the host has GTK 2 running on a display. The type has another name in later versions.
+bool hostUsesGtk2() {
+  return isLoaded(kGtkLibrary) && openGtk() && g_type_from_name("GdkDisplayX11") != 0;
+}
 
 // Numbers for what GTK goes on to create on a lost display, where Xlib's own allocator aborts. The
 // requests themselves go nowhere.
@@ -85,7 +103,10 @@ void prepareOnce() {
 
 bool prepareGtk(void (*displayLost)()) {
   state.displayLost = displayLost;
-  if (!state.prepared && !state.lost) prepareOnce();
+  if (!state.prepared && !state.lost) {
+    if (isBesideLaterGtk() ? !hostUsesGtk2() : !openGtk()) return false;
+    prepareOnce();
+  }
   return state.prepared && !state.lost;
 }
 

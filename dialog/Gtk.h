@@ -1,9 +1,9 @@
 // Preparing GTK in a host that may or may not use it, and owning types for GTK's objects.
 #pragma once
 
-#include <gtk/gtk.h>
-
 #include <memory>
+
+#include "dialog/GtkFunctions.h"
 
 namespace quorvel {
 
@@ -34,10 +34,11 @@ GObjectPtr<T> keep(T* object) {
   return GObjectPtr<T>(static_cast<T*>(g_object_ref_sink(object)));
 }
 
-// Initialises GTK unless the host has done so; returns whether windows can be shown on the default
-// display. Leaves the locale of the process alone. If the driver initialised GTK, the process
-// survives the end of the X server: the main loop then calls `displayLost`, and from then on this
-// returns false. GTK thread.
+// Opens GTK and initialises it, unless the host has done so; returns whether windows can be shown
+// on the default display. They cannot where GTK 2 is not installed, nor in a host that has loaded a
+// later GTK, unless that host shows windows with GTK 2 as well. Leaves the locale of the process
+// alone. If the driver initialised GTK, the process survives the end of the X server: the main loop
+// then calls `displayLost`, and from then on this returns false. GTK thread.
 bool prepareGtk(void (*displayLost)());
 
 }  // namespace quorvel

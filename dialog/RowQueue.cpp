@@ -1,8 +1,8 @@
 #include "dialog/RowQueue.h"
 
-#include <gdk/gdk.h>
-
 #include <utility>
+
+#include "dialog/GtkFunctions.h"
 
 namespace quorvel {
 namespace {

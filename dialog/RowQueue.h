@@ -17,7 +17,7 @@ struct Row {
   std::string data;
 };
 
-// Hands rows to the GTK main loop in order of arrival.
+// Hands rows to the GTK main loop in order of arrival. For use once GTK has been opened.
 class RowQueue {
  public:
   // The GTK main loop calls `show` for each row.

@@ -1,12 +1,12 @@
 // The owner of the X clipboard.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "dialog/XcbFunctions.h"
 
 namespace quorvel {
 

@@ -1,6 +1,7 @@
-# What the built library looks like from outside: its symbols, and that it stays loaded.
+# What the built library looks like from outside: its symbols, what it needs, and that it stays
+# loaded.
 #
-# cmake -D LIBRARY=file -D NM=program -D READELF=program -P Library.cmake
+# cmake -D LIBRARY=file -D NM=program -D READELF=program [-D CLIP=library] -P Library.cmake
 cmake_minimum_required(VERSION 3.25)
 
 function(run result)
@@ -9,6 +10,7 @@ function(run result)
 endfunction()
 
 run(exported "${NM}" -D --defined-only "${LIBRARY}")
+run(imported "${NM}" -D --undefined-only "${LIBRARY}")
 run(dynamic "${READELF}" --dynamic --wide "${LIBRARY}")
 
 # Four functions, whatever the objects inside define.
@@ -30,4 +32,18 @@ if(NOT dynamic MATCHES "\\(FLAGS_1\\)[^\n]*NODELETE")
 endif()
 if(dynamic MATCHES "TEXTREL")
   message(SEND_ERROR "has relocations in its code")
+endif()
+
+# What only the test window needs is opened when that is, and not with the library. A clip library
+# from elsewhere brings XCB.
+set(window_libraries gtk gdk glib gobject gio gmodule pango cairo atk)
+if(NOT CLIP)
+  list(APPEND window_libraries xcb)
+endif()
+list(JOIN window_libraries "|" names)
+if(dynamic MATCHES "\\(NEEDED\\)[^\n]*\\[(lib(${names})[^]]*)\\]")
+  message(SEND_ERROR "is linked to ${CMAKE_MATCH_1}")
+endif()
+if(imported MATCHES " ((g|${names})_[^@\n]*)")
+  message(SEND_ERROR "needs ${CMAKE_MATCH_1} at loading time")
 endif()

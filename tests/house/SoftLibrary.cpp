@@ -1,2 +1,4 @@
-// A library with none of the product's hardening, and a fifth name.
-extern "C" __attribute__((visibility("default"))) int Talk() { return 0; }
+// A library with none of the product's hardening, a fifth name, and a need for GTK.
+#include <gtk/gtk.h>
+
+extern "C" __attribute__((visibility("default"))) guint Talk() { return gtk_main_level(); }

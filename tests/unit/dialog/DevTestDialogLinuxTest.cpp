@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "dialog/DevTestDialogLinux.h"
+#include "dialog/GtkFunctions.h"
 
 namespace quorvel {
 namespace {
@@ -44,6 +45,7 @@ TEST(DevTestDialog, HasNoOtherTexts) {
 
 // A message that comes while no window is open is not kept for the next one.
 TEST(DevTestDialog, DropsAMessageWithoutAWindow) {
+  ASSERT_TRUE(openGtk());
   {
     Dialog dialog = dialogIn(true);
     dialog.OnInput(L"COM1", L"MTIz");

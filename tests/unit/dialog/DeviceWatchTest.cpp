@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "dialog/DeviceWatch.h"
+#include "dialog/GtkFunctions.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/Threads.h"
 #include "tests/rig/XClient.h"
@@ -22,6 +23,10 @@ using testing::ElementsAre;
 
 class DeviceWatchTest : public rig::OnScreen {
  protected:
+  static void SetUpTestSuite() {
+    OnScreen::SetUpTestSuite();
+    ASSERT_TRUE(openGtk());
+  }
   ~DeviceWatchTest() override {
     for (const std::string& file : files_) std::filesystem::remove(file);
   }

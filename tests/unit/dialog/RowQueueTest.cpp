@@ -4,6 +4,7 @@
 #include <thread>
 #include <vector>
 
+#include "dialog/GtkFunctions.h"
 #include "dialog/RowQueue.h"
 
 namespace quorvel {
@@ -13,7 +14,12 @@ void runMainLoop() {
   while (g_main_context_iteration(nullptr, FALSE)) continue;
 }
 
-TEST(RowQueue, ShowsRowsInTheMainLoopInTheirOrder) {
+class RowQueueTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { ASSERT_TRUE(openGtk()); }
+};
+
+TEST_F(RowQueueTest, ShowsRowsInTheMainLoopInTheirOrder) {
   std::vector<std::string> shown;
   RowQueue queue([&](const Row& row) { shown.push_back(row.source + row.data); });
   queue.push({"A", "1"});
@@ -23,7 +29,7 @@ TEST(RowQueue, ShowsRowsInTheMainLoopInTheirOrder) {
   EXPECT_EQ(shown, (std::vector<std::string>{"A1", "B2"}));
 }
 
-TEST(RowQueue, NeverShowsARowOnTheThreadThatPushesIt) {
+TEST_F(RowQueueTest, NeverShowsARowOnTheThreadThatPushesIt) {
   std::thread::id shownOn;
   RowQueue queue([&](const Row&) { shownOn = std::this_thread::get_id(); });
   std::thread([&] { queue.push({"A", "1"}); }).join();
@@ -33,7 +39,7 @@ TEST(RowQueue, NeverShowsARowOnTheThreadThatPushesIt) {
 }
 
 // More rows than are shown in one pass, and they keep coming.
-TEST(RowQueue, LosesNoRowFromManyThreads) {
+TEST_F(RowQueueTest, LosesNoRowFromManyThreads) {
   constexpr int kThreads = 8;
   constexpr int kRows = 250;
   std::vector<int> next(kThreads, 0);
@@ -53,7 +59,7 @@ TEST(RowQueue, LosesNoRowFromManyThreads) {
   EXPECT_EQ(shown, kThreads * kRows);
 }
 
-TEST(RowQueue, DropsRowsWhenItIsClosed) {
+TEST_F(RowQueueTest, DropsRowsWhenItIsClosed) {
   int shown = 0;
   RowQueue queue([&](const Row&) { ++shown; });
   queue.push({"A", "waiting"});
@@ -63,7 +69,7 @@ TEST(RowQueue, DropsRowsWhenItIsClosed) {
   EXPECT_EQ(shown, 0);
 }
 
-TEST(RowQueue, MayBeClosedByARow) {
+TEST_F(RowQueueTest, MayBeClosedByARow) {
   int shown = 0;
   RowQueue* open = nullptr;
   RowQueue queue([&](const Row&) {
