@@ -1,3 +1,5 @@
+#include <dlfcn.h>
+
 #include <cstdlib>
 #include <stdexcept>
 #include <string_view>
@@ -12,11 +14,19 @@ constexpr Text kNoDisplay = {"there is no X display to show the window on (DISPL
                              "нет X-дисплея, чтобы показать окно (не задана переменная DISPLAY)"};
 constexpr Text kNotTested = {"the component did not run the test", "компонента не выполнила тест"};
 
-// Without a display the component reports success without showing a window.
+constexpr Text kNoGtk = {
+    "the window needs libgtk-x11-2.0.so.0 (GTK+ 2) in this program's word size, which is not "
+    "installed",
+    "окну нужна библиотека libgtk-x11-2.0.so.0 (GTK+ 2) той же разрядности, что и эта программа, а "
+    "она не установлена"};
+
+// Without a display, or without GTK, the component reports success without showing a window.
 bool hasDisplay() {
   const char* const display = std::getenv("DISPLAY");
   return display && *display;
 }
+
+bool hasGtk() { return dlopen("libgtk-x11-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD) != nullptr; }
 
 }  // namespace
 
@@ -38,6 +48,8 @@ int runTest(ComponentLibrary& library, const Arguments& arguments) {
   Component component(library, u"InputDevice");
   component.object().SetLocale(userLocale());
   if (!component.test()) throw std::runtime_error(say(kNotTested));
+  // Only now, because the component is to open it by itself.
+  if (!hasGtk()) throw std::runtime_error(say(kNoGtk));
   return 0;
 }
 
