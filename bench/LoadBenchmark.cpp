@@ -1,0 +1,116 @@
+// What loading the library costs a host that has no window open, as a multiple of loading the X
+// libraries that it cannot do without. Each load is that of a new process: what is in memory
+// already costs nothing.
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bench/Measure.h"
+#include "tests/rig/Program.h"
+
+namespace {
+
+constexpr const char* kLoad = "--load";
+
+// In kilobytes. What is proportional to other users of the same pages is left out: it tells more
+// about the machine than about the library.
+struct Memory {
+  double resident = 0;
+  double dirty = 0;  // and private
+};
+
+Memory memoryInUse() {
+  Memory memory;
+  std::ifstream file("/proc/self/smaps_rollup");
+  file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  std::string what;
+  while (file >> what) {
+    double kilobytes = 0;
+    file >> kilobytes;
+    file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+    if (what == "Rss:") memory.resident = kilobytes;
+    if (what == "Private_Dirty:") memory.dirty = kilobytes;
+  }
+  return memory;
+}
+
+// The host: loads libraries, and prints the seconds and the memory that they took.
+int load(const std::vector<const char*>& libraries) {
+  memoryInUse();  // so that what reading takes does not count
+  const Memory before = memoryInUse();
+  bool isLoaded = true;
+  const double seconds = bench::processorSecondsOf(
+      [&] {
+        for (const char* const library : libraries)
+          isLoaded &= dlopen(library, RTLD_NOW) != nullptr;
+      },
+      1);
+  const Memory after = memoryInUse();
+  if (!isLoaded) {
+    std::cerr << dlerror() << '\n';
+    return EXIT_FAILURE;
+  }
+  std::cout << seconds << ' ' << after.resident - before.resident << ' '
+            << after.dirty - before.dirty << '\n';
+  return EXIT_SUCCESS;
+}
+
+// The costs of several loads.
+struct Loads {
+  std::vector<double> seconds;
+  std::vector<double> resident;
+  std::vector<double> dirty;
+
+  void add(const rig::Words& libraries) {
+    rig::Words words = {"/proc/self/exe", kLoad};
+    words.insert(words.end(), libraries.begin(), libraries.end());
+    std::istringstream costs(rig::outputOf(words));
+    for (std::vector<double>* const values : {&seconds, &resident, &dirty}) {
+      double value = 0;
+      if (!(costs >> value))
+        throw std::runtime_error("a host printed something else than its costs");
+      values->push_back(value);
+    }
+  }
+};
+
+void loadAgainstXLibraries(benchmark::State& state) {
+  const char* const library = std::getenv("QUORVEL_LIBRARY");
+  if (!library) throw std::runtime_error("QUORVEL_LIBRARY is not set");
+  Loads own;
+  Loads bare;
+  for (auto iteration : state) {
+    own.add({library});
+    bare.add({"libX11.so.6", "libXi.so.6"});
+    state.SetIterationTime(own.seconds.back());
+  }
+  using bench::medianOf;
+  state.counters["time_ratio"] = medianOf(own.seconds) / medianOf(bare.seconds);
+  state.counters["resident_ratio"] = medianOf(own.resident) / medianOf(bare.resident);
+  state.counters["dirty_ratio"] = medianOf(own.dirty) / medianOf(bare.dirty);
+  state.counters["resident_kB"] = medianOf(own.resident);
+}
+BENCHMARK(loadAgainstXLibraries)
+    ->Name("dlopen")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(100);
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc > 2 && std::string_view(argv[1]) == kLoad) return load({argv + 2, argv + argc});
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+}
