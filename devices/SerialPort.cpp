@@ -83,7 +83,9 @@ SerialPort::SerialPort(std::string path, std::uint32_t bitsPerSecond, Owner owne
       pause_(kShortestPause) {}
 
 SerialPort::~SerialPort() {
-  if (owner_ != Owner::kHost) return;
+  // A port that has not got so far must not ask for the list: making it may take memory, of which
+  // there is none when this runs.
+  if (!known_) return;
   const std::lock_guard lock(hostPorts().mutex);
   std::erase(hostPorts().ports, this);
 }
@@ -130,6 +132,7 @@ void SerialPort::setSpeed() const {
 void SerialPort::takeOver() {
   const std::lock_guard lock(hostPorts().mutex);
   hostPorts().ports.push_back(this);
+  known_ = true;
   for (SerialPort* const other : hostPorts().ports) {
     if (other != this && other->path_ == path_) other->leaveIfLost(descriptor_.get());
   }

@@ -69,6 +69,7 @@ class SerialPort {
   const std::uint32_t bitsPerSecond_;
   const Owner owner_;
   FileDescriptor wake_;  // readable to end a wait
+  bool known_ = false;   // to the other ports of this process
 
   // Guards what follows against takeOver() of another port; the reading thread, which alone changes
   // the descriptor, reads it without.
