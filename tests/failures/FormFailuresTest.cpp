@@ -46,7 +46,7 @@ rig::Ends sweepForms(Subject& subject, const Sweep& failure) {
   const std::optional<std::u16string> whole = subject.parameters();
   EXPECT_TRUE(whole);
   return rig::sweep(failure, [&](unsigned first) {
-    failures::expectNothingLeft([&] {
+    failures::leavingNothing(failure, [&] {
       {
         const FailingCalls failing(failure.failure, first, failure.times);
         subject.parameters();

@@ -171,9 +171,17 @@ void expectNothingLeft(const std::function<void()>& action) {
                 << before.descriptors << " descriptors, " << before.blocks << " blocks";
 }
 
+void leavingNothing(const rig::Sweep& sweep, const std::function<void()>& action) {
+  if (sweep.onlyEvery) {
+    action();
+  } else {
+    expectNothingLeft(action);
+  }
+}
+
 void expectScansSurvive(Subject& subject, const std::function<void(Subject&)>& setUp,
                         const Scan& scan, const rig::Sweep& sweep, unsigned first) {
-  expectNothingLeft([&] {
+  const auto openAndScan = [&] {
     std::optional<std::u16string> id;
     bool firstCame = false;
     {
@@ -193,7 +201,8 @@ void expectScansSurvive(Subject& subject, const std::function<void(Subject&)>& s
     expectLaterScan(subject, scan, sweep.failure, firstCame);
     EXPECT_TRUE(subject.close(*id));
     while (subject.events().take(0ms)) continue;
-  });
+  };
+  leavingNothing(sweep, openAndScan);
 }
 
 void expectEndsOnlyIn(const rig::Ends& ends, std::initializer_list<const char*> libraries) {

@@ -67,4 +67,7 @@ void expectEndsOnlyIn(const rig::Ends& ends, std::initializer_list<const char*> 
 // leaves threads, descriptors or memory behind.
 void expectNothingLeft(const std::function<void()>& action);
 
+// The same, but for the sweeps that only the long run makes: there Xlib, out of memory, leaks too.
+void leavingNothing(const rig::Sweep& sweep, const std::function<void()>& action);
+
 }  // namespace failures

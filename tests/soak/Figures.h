@@ -1,0 +1,22 @@
+// Figures that are measured for as long as one likes.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+namespace soak {
+
+// How long each figure is measured: QUORVEL_SOAK_SECONDS in the environment, otherwise two seconds.
+std::chrono::seconds duration();
+
+// Prints a line of the table.
+void report(const std::string& figure, const std::string& wanted, const std::string& measured);
+
+// Does the action again and again; afterwards this process has to hold no more threads, descriptors
+// and memory than after the first few times. `bytes` is what each time may take: less than any
+// leak.
+void expectNoGrowth(const std::string& figure, const std::function<void()>& action,
+                    std::size_t bytes = 16);
+
+}  // namespace soak
