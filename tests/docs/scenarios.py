@@ -95,6 +95,7 @@ SCENARIOS = {
     "cmake --preset lin32 -DBUILD_TESTING=ON": Leave(BUILDS),
     "cmake --build --preset lin32": Leave(BUILDS),
     "cmake --preset lin32 && cmake --build --preset lin32": Leave(BUILDS),
+    "cmake --build --preset lin32 --target pictures": Leave("overwrites the pictures"),
     "cmake --build --preset lin32 --target run_bench_form": Leave("measures for minutes"),
     "cmake --build --preset lin32 --target run_bench_keyboard": Leave("measures for minutes"),
     "cmake --build --preset lin32 --target run_bench_load": Leave("measures for minutes"),
