@@ -88,6 +88,7 @@ SCENARIOS = {
     # Of those who build the project.
     "scripts/demo": Leave(BUILDS),
     "scripts/test": Leave("runs these tests"),
+    "scripts/soak [MINUTES]": Try(instead=("[MINUTES]", "--help"), shows="soak"),
     "scripts/package": Leave("makes packages in a root of another system, which takes minutes"),
     "scripts/setup test": Try(instead=("test", "--help"), shows="test"),
     ".ci/run": Leave("runs these tests"),
