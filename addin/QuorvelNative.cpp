@@ -1,5 +1,6 @@
 #include "addin/QuorvelNative.h"
 
+#include <cwchar>
 #include <optional>
 
 #include "addin/EventNames.h"
@@ -7,6 +8,7 @@
 #include "performer/Equipment.h"
 #include "performer/QuorvelPerformerLinux.h"
 #include "util/OutputData.h"
+#include "util/ScopedWipe.h"
 #include "util/Text.h"
 #include "util/Variants.h"
 #include "util/WideStrings.h"
@@ -28,12 +30,9 @@ std::optional<Language> languageOfMethodName(long number) {
   }
 }
 
-using HostText = std::unique_ptr<WCHAR_T[]>;
-
-HostText hostText(const wchar_t* text) {
-  WCHAR_T* converted = nullptr;
-  convToShortWchar(&converted, text);
-  return HostText(converted);
+// Cuts characters to 16 bits, as convToShortWchar does.
+std::u16string hostText(const wchar_t* text) {
+  return std::u16string(text, text + std::wcslen(text));
 }
 
 // Runs an operation that the host has called and turns an exception into its failure result.
@@ -145,11 +144,14 @@ void QuorvelNative::OnInput(const std::wstring& source, int equipmentType, int d
   if (!connection) return;
   const auto equipmentCode = static_cast<unsigned>(equipmentType);
   const auto dataCode = static_cast<unsigned>(dataType);
-  const HostText eventSource = hostText(source.c_str());
-  const HostText eventName =
+  std::wstring output = outputData(data, dataCode);
+  const ScopedWipe wipeOutput(output);
+  std::u16string eventSource = hostText(source.c_str());
+  std::u16string eventName =
       hostText(eventNameOf(equipmentCode, dataCode, AppSettings::language()));
-  const HostText eventData = hostText(outputData(data, dataCode).c_str());
-  connection->ExternalEvent(eventSource.get(), eventName.get(), eventData.get());
+  std::u16string eventData = hostText(output.c_str());
+  const ScopedWipe wipeData(eventData);
+  connection->ExternalEvent(eventSource.data(), eventName.data(), eventData.data());
 }
 
 WCHAR_T* QuorvelNative::AllocAndConvert(const wchar_t* text) const {

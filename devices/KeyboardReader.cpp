@@ -10,6 +10,7 @@
 #include "util/CodePages.h"
 #include "util/Log.h"
 #include "util/PosixThread.h"
+#include "util/ScopedWipe.h"
 
 namespace quorvel {
 
@@ -105,12 +106,17 @@ void KeyboardReader::handleKey(const XIDeviceEvent& key) {
   bool ignored = false;
   if (!dropExceptions([&] { ignored = focus_->belongsToAnotherProcess(); })) message_->dropToEnd();
   if (ignored) return;
-  const std::optional<std::string> message = message_->add(key);
-  if (message) deliver(*message);
+  std::optional<std::string> message = message_->add(key);
+  if (!message) return;
+  const ScopedWipe wipe(*message);
+  deliver(*message);
 }
 
 void KeyboardReader::deliver(const std::string& message) const {
-  const std::wstring data = ConvertUTF8Input(raw2Base64(message).c_str());
+  std::string base64 = raw2Base64(message);
+  const ScopedWipe wipeBase64(base64);
+  std::wstring data = ConvertUTF8Input(base64.c_str());
+  const ScopedWipe wipeData(data);
   const ScopedSignalMask hostSignals(*hostSignals_);
   callback_(data);
 }

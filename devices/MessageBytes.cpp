@@ -1,7 +1,10 @@
 #include "devices/MessageBytes.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
+
+#include "util/ScopedWipe.h"
 
 namespace quorvel {
 namespace {
@@ -11,6 +14,8 @@ constexpr std::size_t kKept = 4096;
 
 }  // namespace
 
+MessageBytes::~MessageBytes() { wipe(bytes_); }
+
 void MessageBytes::append(std::string_view bytes) {
   if (dropped_) return;
   if (bytes.size() > kLongestMessage - bytes_.size()) {
@@ -18,10 +23,21 @@ void MessageBytes::append(std::string_view bytes) {
     return;
   }
   try {
+    makeRoomFor(bytes.size());
     bytes_ += bytes;
   } catch (const std::exception&) {
     drop();
   }
+}
+
+// A string that grows by itself leaves a copy behind.
+void MessageBytes::makeRoomFor(std::size_t count) {
+  if (count <= bytes_.capacity() - bytes_.size()) return;
+  std::string larger;
+  larger.reserve(std::max(2 * bytes_.capacity(), bytes_.size() + count));
+  larger = bytes_;
+  bytes_.swap(larger);
+  wipe(larger);
 }
 
 void MessageBytes::drop() {
@@ -30,7 +46,7 @@ void MessageBytes::drop() {
 }
 
 void MessageBytes::clear() {
-  bytes_.clear();
+  wipe(bytes_);
   if (bytes_.capacity() > kKept) std::string().swap(bytes_);
   dropped_ = false;
 }

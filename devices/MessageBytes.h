@@ -12,9 +12,15 @@ namespace quorvel {
 inline constexpr std::size_t kLongestMessage = std::size_t{1} << 20;
 
 // A message that is longer than that, or does not fit into memory, is dropped as a whole: the rest
-// of it, up to its end, must not pass for a scan. Used on one thread.
+// of it, up to its end, must not pass for a scan. Nothing of a message stays in memory once it is
+// taken or cleared. Used on one thread.
 class MessageBytes {
  public:
+  MessageBytes() = default;
+  ~MessageBytes();
+  MessageBytes(const MessageBytes&) = delete;
+  MessageBytes& operator=(const MessageBytes&) = delete;
+
   void append(std::string_view bytes);
   void append(char byte) { append(std::string_view(&byte, 1)); }
 
@@ -37,6 +43,8 @@ class MessageBytes {
   std::optional<std::string> take();
 
  private:
+  void makeRoomFor(std::size_t count);
+
   std::string bytes_;
   bool dropped_ = false;
 };

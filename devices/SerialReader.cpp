@@ -4,6 +4,7 @@
 #include "util/Base64.h"
 #include "util/CodePages.h"
 #include "util/PosixThread.h"
+#include "util/ScopedWipe.h"
 #include "util/Text.h"
 
 namespace quorvel {
@@ -63,7 +64,11 @@ bool SerialReader::hasToLeave() {
 
 void SerialReader::deliver(std::size_t cut) {
   if (!message_.cutTail(cut)) return;
-  const std::wstring data = ConvertMbsToWcs(raw2Base64(message_.bytes()), factory_.comEncoding);
+  std::string base64 = raw2Base64(message_.bytes());
+  const ScopedWipe wipeBase64(base64);
+  message_.clear();
+  std::wstring data = ConvertMbsToWcs(base64, factory_.comEncoding);
+  const ScopedWipe wipeData(data);
   const ScopedSignalMask hosts(callbackMask_);
   callback_(data);
 }

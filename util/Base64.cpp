@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "util/ScopedWipe.h"
 #include "util/Text.h"
 
 namespace quorvel {
@@ -96,7 +97,11 @@ std::wstring raw2Base64(const std::wstring& raw) { return str2wstr(base64_encode
 std::string base642Raw(const std::string& text) { return base64_decode(text); }
 
 std::wstring base642Raw(const std::wstring& text) {
-  return str2wstr(base64_decode(wstr2str(text)));
+  std::string base64 = wstr2str(text);
+  const ScopedWipe wipeBase64(base64);
+  std::string raw = base64_decode(base64);
+  const ScopedWipe wipeRaw(raw);
+  return str2wstr(raw);
 }
 
 }  // namespace quorvel

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string_view>
 
+#include "util/ScopedWipe.h"
 #include "util/Text.h"
 
 namespace quorvel {
@@ -92,7 +93,13 @@ std::string raw2HRS(const std::string& bytes) {
   return raw2HRS(bytes.data(), static_cast<int>(bytes.size()));
 }
 
-std::wstring raw2HRS(const std::wstring& text) { return str2wstr(raw2HRS(wstr2str(text))); }
+std::wstring raw2HRS(const std::wstring& text) {
+  std::string bytes = wstr2str(text);
+  const ScopedWipe wipeBytes(bytes);
+  std::string readable = raw2HRS(bytes);
+  const ScopedWipe wipeReadable(readable);
+  return str2wstr(readable);
+}
 
 std::wstring raw2HRS(const wchar_t* text, int count) { return raw2HRS(wideText(text, count)); }
 
