@@ -11,8 +11,8 @@ from markdown_it import MarkdownIt
 ROOT = Path(os.environ["QUORVEL_SOURCES"])
 
 # Each in English and in Russian.
-PAIRS = ["README", "docs/guide", "docs/integration"]
-OTHERS = ["CONTRIBUTING", "docs/building", "docs/design", "docs/licences", "docs/unplugging"]
+PAIRS = ["README", "docs/guide", "docs/integration", "docs/unplugging"]
+OTHERS = ["CONTRIBUTING", "docs/building", "docs/design", "docs/licences"]
 
 
 @dataclass
