@@ -40,9 +40,7 @@ endif()
 set(unoptimized "$<BOOL:$<TARGET_PROPERTY:QUORVEL_UNOPTIMIZED>>")
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_build INTERFACE
-    -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    # In instrumented code GCC takes a string for an array that is too short.
-    "$<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow>")
+    -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(quorvel_build INTERFACE -fsanitize=${QUORVEL_SANITIZE})
   if(QUORVEL_FUZZ)
     target_compile_options(quorvel_build INTERFACE -fsanitize=fuzzer-no-link)
