@@ -7,12 +7,13 @@ function(quorvel_test_options target)
   target_compile_options(${target} PRIVATE -pthread)
 endfunction()
 
-# GoogleTest's headers, precompiled once for all programs. Only these: a header of the project must
-# not hide that a test forgets to include it.
+# The largest headers, precompiled once for all programs. None of the project's: it would hide that a
+# test forgets to include it.
 add_library(test_headers STATIC TestHeaders.cpp)
 quorvel_test_options(test_headers)
 target_link_libraries(test_headers PRIVATE quorvel_build GTest::gmock)
-target_precompile_headers(test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+target_precompile_headers(test_headers PRIVATE
+  <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>)
 
 # quorvel_test_program(NAME SOURCES file... [USES target...])
 function(quorvel_test_program name)
