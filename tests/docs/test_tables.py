@@ -42,6 +42,7 @@ class Ports(unittest.TestCase):
             rows = guide.table("/dev/ttyS0")
             for file, *_ in rows:
                 Path(file).touch()
+                self.addCleanup(Path(file).unlink, missing_ok=True)
             form = choices_of(parameters_of(RUSSIAN)["Port"])
             listed = re.findall(r"^(\S+): port (\d+), (.*) \(test window: (.*)\)$",
                                 output_of("list"), re.MULTILINE)
