@@ -1,7 +1,5 @@
 #include "tools/common/KeyTyping.h"
 
-#include <X11/Xlib.h>
-#include <X11/extensions/XTest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -77,31 +75,6 @@ class InputTestKeyboard final : public VirtualKeyboard {
   quorvel::FileDescriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
 };
 
-class XTestKeyboard final : public VirtualKeyboard {
- public:
-  XTestKeyboard() : display_(XOpenDisplay(nullptr)) {
-    if (!display_) throw std::runtime_error("cannot open the display");
-    int ignored = 0;
-    if (!XTestQueryExtension(display_.get(), &ignored, &ignored, &ignored, &ignored)) {
-      throw std::runtime_error("the display has no XTEST extension");
-    }
-  }
-
-  void press(Key key) override { send(key, True); }
-  void release(Key key) override { send(key, False); }
-
- private:
-  void send(Key key, Bool down) {
-    XTestFakeKeyEvent(display_.get(), static_cast<unsigned>(key), down, CurrentTime);
-    XFlush(display_.get());
-  }
-
-  struct Closer {
-    void operator()(Display* display) const { XCloseDisplay(display); }
-  };
-  std::unique_ptr<Display, Closer> display_;
-};
-
 // Neighbouring keys: their characters without and with Shift.
 struct Row {
   std::uint8_t firstCode;
@@ -133,10 +106,6 @@ constexpr ControlCharacter kControlCharacters[] = {
 
 std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath) {
   return std::make_unique<InputTestKeyboard>(socketPath);
-}
-
-std::unique_ptr<VirtualKeyboard> connectXTestKeyboard() {
-  return std::make_unique<XTestKeyboard>();
 }
 
 std::optional<Stroke> strokeFor(char character) {

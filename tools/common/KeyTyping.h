@@ -55,10 +55,6 @@ class VirtualKeyboard {
 // reached or does not answer.
 std::unique_ptr<VirtualKeyboard> connectInputTestKeyboard(const std::string& socketPath);
 
-// The keyboard that the XTEST extension of the default display offers: types into whatever has the
-// focus. Throws std::runtime_error when there is no display or no such extension.
-std::unique_ptr<VirtualKeyboard> connectXTestKeyboard();
-
 // Presses and releases `key`, with `modifier` held.
 void tap(VirtualKeyboard& keyboard, Key key);
 void tapWith(VirtualKeyboard& keyboard, Key modifier, Key key);

@@ -7,6 +7,7 @@
 #include "tools/common/KeyTyping.h"
 #include "tools/scanner/Commands.h"
 #include "tools/scanner/ScanSource.h"
+#include "tools/scanner/XTestKeyboard.h"
 
 namespace terminal {
 namespace {
