@@ -89,6 +89,9 @@ SCENARIOS = {
     "quorvel-host listen": Try(instead=("listen", "help listen"), shows="listen"),
 
     # Of those who build the project.
+    "sudo apt purge quorvel quorvel:i386 quorvel-common": Leave("there is nothing to remove"),
+    "./install": Leave("of an archive, which is made for a release"),
+    "./install --remove": Leave("of an archive, which is made for a release"),
     ".ci/run": Leave("runs these tests"),
     "cmake --preset lin32 -DBUILD_TESTING=ON": Leave(BUILDS),
     "cmake --build --preset lin32": Leave(BUILDS),
