@@ -36,6 +36,16 @@ def choices_of(parameter):
     return {item.text: item.get("Value") for item in parameter.iter("Item")}
 
 
+def event_of(scan, port, library, **parameters):
+    """The event of a scan at this /dev/ttyUSB, with the parameters set."""
+    file = f"/dev/ttyUSB{port}"
+    settings = [word for name, value in parameters.items() for word in ("--set", f"{name}={value}")]
+    with running([SCANNER, "serial", "--link", file, scan], stderr=subprocess.DEVNULL):
+        await_that(Path(file).exists, f"a scanner at {file}")
+        return json.loads(output_of("--library", library, "listen", "--port", file, "--count", "1",
+                                    "--json", *settings))
+
+
 class Ports(unittest.TestCase):
     def test_the_four_names_of_a_port(self):
         for guide in GUIDES:
@@ -87,6 +97,18 @@ class Parameters(unittest.TestCase):
         return subprocess.run([HOST, "listen", "--port", "64", "--set", setting],
                               stderr=subprocess.PIPE, text=True, timeout=PATIENCE)
 
+    def test_those_without_effect(self):
+        odd = {"number": 3, "text": "Windows-1251", "boolean": "false", "any": "/nowhere"}
+        rows = GUIDES[0].table("Port") + GUIDES[0].table("EquipmentType")
+        idle = {row[0]: odd[row[-3]] for row in rows if row[-1].startswith("No effect")}
+        self.assertEqual(len(idle), 8)
+        self.assertEqual(event_of("Привет", 0, RUSSIAN, **idle)["data"], "Привет")
+        # The same in both languages.
+        for guide in GUIDES:
+            rows = guide.table("Port") + guide.table("EquipmentType")
+            marked = {row[0] for row in rows if re.match("No effect|Не действует", row[-1])}
+            self.assertEqual(marked, set(idle))
+
     def test_keys_for_the_group_separator(self):
         choices = choices_of(parameters_of(RUSSIAN)["GSSymbolKey"])
         named = {"<NONE>": "-1"}
@@ -133,15 +155,10 @@ class Events(unittest.TestCase):
                  "считыватель карт": "СчитывательМагнитныхКарт"}
 
     @staticmethod
-    def event(port, equipment, data_type, library):
-        """The event of one scan. Each port of its own: several are tried at the same time."""
-        file = f"/dev/ttyUSB{port}"
-        with running([SCANNER, "serial", "--link", file, "A1"], stderr=subprocess.DEVNULL):
-            await_that(Path(file).exists, f"a scanner at {file}")
-            event = output_of("--library", library, "listen", "--port", file, "--count", "1",
-                              "--json", "--set", f"EquipmentType={equipment}",
-                              "--set", f"OutputDataType={data_type}")
-        return json.loads(event)
+    def name_of(port, equipment, data_type, library):
+        # Each at a port of its own: several are tried at the same time.
+        return event_of("A1", port, library, EquipmentType=equipment,
+                        OutputDataType=data_type)["event"]
 
     def test_names(self):
         for document in INTEGRATIONS:
@@ -150,8 +167,7 @@ class Events(unittest.TestCase):
             tries = [(self.EQUIPMENT[row[0]], row[1], library)
                      for row in rows for library in (RUSSIAN, ENGLISH)]
             with ThreadPoolExecutor() as pool:
-                events = list(pool.map(self.event, range(len(tries)), *zip(*tries)))
-            names = [event["event"] for event in events]
+                names = list(pool.map(self.name_of, range(len(tries)), *zip(*tries)))
             with self.subTest(document.name):
                 self.assertEqual(names, [name for row in rows for name in row[2:4]])
 
