@@ -56,8 +56,10 @@ class TypingScanner:
     @contextmanager
     def at_work(self):
         self.typing.set()
-        yield
-        self.typing.clear()
+        try:
+            yield
+        finally:
+            self.typing.clear()
 
     def end(self):
         self.ended.set()

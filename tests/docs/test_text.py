@@ -56,7 +56,7 @@ class Pairs(unittest.TestCase):
             self.assertIn(f"{russian.name.rpartition('/')[2]}.md", english.links)
             self.assertIn(f"{english.name.rpartition('/')[2]}.md", russian.links)
 
-    def test_names_of_what_only_one_language_has(self):
+    def test_russian_descriptions_and_pictures(self):
         for _, russian in pairs():
             with self.subTest(russian.name):
                 for file, description in russian.pictures:
