@@ -153,8 +153,9 @@ class Commands(unittest.TestCase):
 
     @staticmethod
     def window_is_there():
-        tree = subprocess.run(["xwininfo", "-root", "-tree"], stdout=subprocess.PIPE, check=True)
-        return "Тест устройства".encode() in tree.stdout
+        tree = subprocess.run(["xwininfo", "-root", "-tree"], stdout=subprocess.PIPE, text=True,
+                              env={**os.environ, "LC_ALL": "C.UTF-8"}, check=True)
+        return "Тест устройства" in tree.stdout
 
     def test_each_does_what_is_written(self):
         tried = []
