@@ -34,9 +34,10 @@ bool hostUsesGtk2() {
 }
 
 // Numbers for what GTK goes on to create on a lost display, where Xlib's own allocator aborts. The
-// requests themselves go nowhere.
+// requests themselves go nowhere. No server's numbers have this bit: GTK warns when two things have
+// the same number.
 XID allocateAnyId(Display*) {
-  static XID last = 0;
+  static XID last = XID{1} << 29;
   return ++last;
 }
 

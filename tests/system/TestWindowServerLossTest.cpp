@@ -57,6 +57,9 @@ TEST_F(TestWindowServerLoss, AtAnyRequestLeavesTheHostAlive) {
     rig::inOwnProcess([&] {
       XProxy proxy(realDisplay, request);
       setenv("DISPLAY", proxy.display().c_str(), 1);
+      // As with G_DEBUG=fatal-warnings.
+      g_log_set_always_fatal(static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL |
+                                                         G_LOG_LEVEL_WARNING | G_LOG_FATAL_MASK));
       rig::Driver driver;
       const guint timer = g_timeout_add(0, closeWindow, nullptr);
       EXPECT_TRUE(driver.component.test());
