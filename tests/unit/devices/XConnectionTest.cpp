@@ -12,6 +12,7 @@
 #include "devices/XConnection.h"
 #include "devices/XQueries.h"
 #include "tests/rig/Environment.h"
+#include "tests/rig/Process.h"
 #include "tests/rig/XProxy.h"
 #include "tests/rig/XServer.h"
 
@@ -82,6 +83,20 @@ TEST_F(XConnectionTest, InstallsItsHandlersOnTopAtEachOpening) {
   parentOf(first, kNoWindow);
   parentOf(second, kNoWindow);
   EXPECT_EQ(toolkitErrors, 0);
+}
+
+// Toolkits put handlers on and take them off with each call that may fail.
+TEST_F(XConnectionTest, RemembersAHandlerOnceHoweverOftenItIsPutOn) {
+  const XConnection connection = XConnection::open();
+  const auto putOnAndOff = [] {
+    XSetErrorHandler(countToolkitError);
+    installXErrorHandlers();
+  };
+  putOnAndOff();
+  const std::size_t memory = rig::heapBytes();
+  constexpr std::size_t kTimes = 20000;
+  for (std::size_t i = 0; i < kTimes; ++i) putOnAndOff();
+  EXPECT_LT(rig::heapBytes(), memory + kTimes);
 }
 
 TEST_F(XConnectionTest, AsksEachHandlerOnceWhenHandlersReferToEachOther) {
