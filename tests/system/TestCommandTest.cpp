@@ -22,11 +22,13 @@ TEST_F(TestCommand, ShowsTheWindowUntilItIsClosed) {
 }
 
 TEST_F(TestCommand, SaysWhenThereIsNoDisplay) {
-  const rig::Ending ending =
-      rig::run({rig::hostPath(), "test"}, {{"DISPLAY", ""}, {"LC_ALL", "C"}});
-  EXPECT_EQ(ending.code, 1);
-  EXPECT_EQ(ending.errors,
-            "quorvel-host: there is no X display to show the window on (DISPLAY is not set)\n");
+  // None is named, and nobody answers at the one that is.
+  for (const char* display : {"", ":4999"}) {
+    const rig::Ending ending =
+        rig::run({rig::hostPath(), "test"}, {{"DISPLAY", display}, {"LC_ALL", "C"}});
+    EXPECT_EQ(ending.code, 1);
+    EXPECT_EQ(ending.errors, "quorvel-host: there is no X display to show the window on\n");
+  }
 }
 
 TEST_F(TestCommand, TakesNoArguments) {

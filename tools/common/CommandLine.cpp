@@ -16,6 +16,7 @@
 #include <system_error>
 
 #include "QuorvelVersion.h"
+#include "tools/common/ErrorTexts.h"
 #include "tools/common/Output.h"
 #include "tools/common/VisibleText.h"
 
@@ -90,7 +91,7 @@ int helpByOption(const ProgramDescription& program, const Arguments& words) {
 }
 
 int helpByCommand(const ProgramDescription& program, const Arguments& words) {
-  if (words.size() > 1) throw UsageError(say(kUnexpected) + words[1]);
+  if (words.size() > 1) refuseArguments({words.begin() + 1, words.end()});
   if (words.empty()) {
     std::cout << say(program.help);
   } else {
@@ -119,6 +120,10 @@ Arguments readOptions(const Arguments& arguments, const std::vector<Option>& opt
     options[static_cast<std::size_t>(index)].apply(optarg ? optarg : "");
   }
   return Arguments(argv.begin() + optind, argv.begin() + argc);
+}
+
+void refuseArguments(const Arguments& rest) {
+  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
 }
 
 int runCommand(const ProgramDescription& program, const Arguments& words) {
@@ -172,7 +177,7 @@ int runProgram(const char* name, const std::function<int()>& body) {
     std::cerr << name << ": " << visible(error.what()) << '\n';
     return 2;
   } catch (const std::exception& error) {
-    std::cerr << name << ": " << visible(error.what()) << '\n';
+    std::cerr << name << ": " << visible(messageOf(error)) << '\n';
     return 1;
   }
 }

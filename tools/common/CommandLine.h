@@ -33,6 +33,9 @@ struct Option {
 Arguments readOptions(const Arguments& arguments, const std::vector<Option>& options,
                       bool stopAtFirst = false);
 
+// Throws UsageError unless there are none.
+void refuseArguments(const Arguments& rest);
+
 // A subcommand, named by the first word of the command line.
 struct Command {
   const char* name;

@@ -8,16 +8,25 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "tools/common/ErrorTexts.h"
 #include "tools/common/HostText.h"
 #include "tools/common/HostVariants.h"
+#include "tools/common/Language.h"
 
 namespace terminal {
+namespace {
+
+constexpr Text kNoClass = {"no component class named ", "в компоненте нет класса "};
+constexpr Text kRefused = {"the component refused to start", "компонента отказалась запускаться"};
+constexpr Text kNoMethod = {"no method named ", "в компоненте нет метода "};
+
+}  // namespace
 
 void ComponentLibrary::Unloader::operator()(void* library) const { dlclose(library); }
 
 ComponentLibrary::ComponentLibrary(const std::string& path)
-    : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (!library_) throw std::runtime_error(dlerror());
+    : path_(path), library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (!library_) throw std::runtime_error(whyNotLoaded(path, dlerror()));
   GetClassNames = reinterpret_cast<decltype(GetClassNames)>(symbol("GetClassNames"));
   GetClassObject = reinterpret_cast<decltype(GetClassObject)>(symbol("GetClassObject"));
   DestroyObject = reinterpret_cast<decltype(DestroyObject)>(symbol("DestroyObject"));
@@ -27,7 +36,7 @@ ComponentLibrary::ComponentLibrary(const std::string& path)
 
 void* ComponentLibrary::symbol(const char* name) const {
   void* const address = dlsym(library_.get(), name);
-  if (!address) throw std::runtime_error(dlerror());
+  if (!address) throw std::runtime_error(whyNotLoaded(path_, dlerror()));
   return address;
 }
 
@@ -58,19 +67,19 @@ bool HostConnection::ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* d
 Component::Component(ComponentLibrary& library, const std::u16string& className)
     : library_(library) {
   if (library_.GetClassObject(className.c_str(), &object_) == 0 || !object_) {
-    throw std::runtime_error("no component class named " + toUtf8(className));
+    throw std::runtime_error(say(kNoClass) + toUtf8(className));
   }
   object_->setMemManager(&memory_);
   if (object_->Init(&connection_)) return;
   library_.DestroyObject(&object_);
-  throw std::runtime_error("the component refused to start");
+  throw std::runtime_error(say(kRefused));
 }
 
 Component::~Component() { library_.DestroyObject(&object_); }
 
 std::optional<tVariant> Component::call(std::u16string_view method, std::span<tVariant> params) {
   const long number = object_->FindMethod(std::u16string(method).c_str());
-  if (number < 0) throw std::runtime_error("no method named " + toUtf8(method));
+  if (number < 0) throw std::runtime_error(say(kNoMethod) + toUtf8(method));
   tVariant result = emptyVariant();
   if (!object_->CallAsFunc(number, &result, params.data(), static_cast<long>(params.size()))) {
     return std::nullopt;

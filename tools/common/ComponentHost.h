@@ -35,6 +35,7 @@ class ComponentLibrary {
   };
   void* symbol(const char* name) const;
 
+  const std::string path_;
   std::unique_ptr<void, Unloader> library_;
 };
 

@@ -3,8 +3,13 @@
 #include <pugixml.hpp>
 #include <stdexcept>
 
+#include "tools/common/Language.h"
+
 namespace terminal {
 namespace {
+
+constexpr Text kNoXml = {"the form is no XML from byte ", "форма — не XML, начиная с байта "};
+constexpr Text kNoForm = {"the document is no settings form", "документ — не форма настроек"};
 
 std::string attribute(const pugi::xml_node& element, const char* name) {
   return element.attribute(name).value();
@@ -60,9 +65,9 @@ std::vector<FormPage> readForm(std::string_view document) {
   // Keep a choice whose name consists of blanks only.
   const pugi::xml_parse_result result = xml.load_buffer(
       document.data(), document.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
-  if (!result) throw std::runtime_error(std::string("the form is no XML: ") + result.description());
+  if (!result) throw std::runtime_error(say(kNoXml) + std::to_string(result.offset));
   const pugi::xml_node settings = xml.child("Settings");
-  if (!settings) throw std::runtime_error("the document is no settings form");
+  if (!settings) throw std::runtime_error(say(kNoForm));
   std::vector<FormPage> pages;
   for (const pugi::xml_node& page : settings.children("Page")) pages.push_back(pageOf(page));
   return pages;

@@ -8,10 +8,13 @@
 #include <system_error>
 #include <vector>
 
+#include "tools/common/Language.h"
 #include "util/Handles.h"
 
 namespace terminal {
 namespace {
+
+constexpr Text kKeyboard = {"keyboard", "клавиатура"};
 
 // The inputtest driver's messages, in their wire format.
 enum class MessageType : std::uint32_t { kServerVersion = 0, kClientVersion = 0, kKey = 5 };
@@ -69,7 +72,7 @@ class InputTestKeyboard final : public VirtualKeyboard {
   void send(const Message& message) {
     // Never partial: a message is far smaller than the socket's buffer, and the driver keeps up.
     const ssize_t sent = ::send(socket_.get(), &message, sizeof(message), MSG_NOSIGNAL);
-    if (sent != sizeof(message)) throwErrno(sent < 0 ? errno : EIO, "keyboard");
+    if (sent != sizeof(message)) throwErrno(sent < 0 ? errno : EIO, say(kKeyboard));
   }
 
   quorvel::FileDescriptor socket_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};

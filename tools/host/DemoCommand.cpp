@@ -14,7 +14,6 @@
 namespace terminal {
 namespace {
 
-constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kNotAllowed = {
     "this machine does not let a user have a /dev of their own: run the demo as root",
     "эта машина не даёт пользователю собственного /dev: запустите demo от root"};
@@ -76,7 +75,7 @@ int runDemo(ComponentLibrary& library, const Arguments& arguments) {
   EventFormat format = EventFormat::kText;
   const Arguments rest = readOptions(
       arguments, {{"json", false, [&](const std::string&) { format = EventFormat::kJson; }}});
-  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
+  refuseArguments(rest);
   if (!enterPrivateDev()) throw std::runtime_error(say(kNotAllowed));
   SerialLine line(LineSetting::kFramed);
   line.link(portFile(kPort));

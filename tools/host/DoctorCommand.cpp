@@ -9,8 +9,6 @@
 namespace terminal {
 namespace {
 
-constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
-
 struct DoctorOptions {
   DeviceOptions device;
   std::chrono::seconds patience{20};
@@ -26,7 +24,7 @@ DoctorOptions doctorOptionsFrom(const Arguments& arguments) {
   table.insert(table.end(), {{"seconds", true, takeSeconds},
                              {"json", false, [&](const std::string&) { doctor.json = true; }}});
   const Arguments rest = readOptions(arguments, table);
-  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
+  refuseArguments(rest);
   doctor.device.requireDevice();
   return doctor;
 }

@@ -16,7 +16,6 @@
 namespace terminal {
 namespace {
 
-constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kDefault = {", by default ", ", по умолчанию "};
 constexpr Text kShownWhen = {", shown when ", ", видно, когда "};
 constexpr Text kParameters = {"parameters of --set (* marks the default):",
@@ -180,7 +179,7 @@ int runForm(ComponentLibrary& library, const Arguments& arguments) {
   const Arguments rest =
       readOptions(arguments, {{"xml", false, [&](const std::string&) { xml = true; }},
                               {"all", false, [&](const std::string&) { all = true; }}});
-  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
+  refuseArguments(rest);
   Component component(library, u"InputDevice");
   component.object().SetLocale(userLocale());
   const std::string document = toUtf8(component.parameters());

@@ -18,7 +18,6 @@
 namespace terminal {
 namespace {
 
-constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
 constexpr Text kListening = {"listening as ", "слушаю, устройство "};
 constexpr Text kWindow = {"quorvel-host: click here, then scan",
                           "quorvel-host: щёлкните здесь и сканируйте"};
@@ -47,7 +46,7 @@ ListenOptions listenOptionsFrom(const Arguments& arguments) {
                              {"json", false, takeJson},
                              {"window", false, takeWindow}});
   const Arguments rest = readOptions(arguments, table);
-  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
+  refuseArguments(rest);
   listen.device.requireDevice();
   return listen;
 }

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "tools/common/VisibleText.h"
 #include "tools/host/Commands.h"
 
 namespace {
@@ -67,7 +68,7 @@ void printParametersIfPossible(const std::string& path) {
     ComponentLibrary library(path);
     printParameters(library);
   } catch (const std::runtime_error& error) {
-    std::cout << '\n' << error.what() << '\n';
+    std::cout << '\n' << visible(error.what()) << '\n';
   }
 }
 
@@ -88,7 +89,7 @@ int run(const Arguments& words) {
        {"form", kFormHelp, with(runForm)},
        {"listen", kListenHelp, with(runListen), [&] { printParametersIfPossible(path); }},
        {"list", kListHelp, runList},
-       {"doctor", kDoctorHelp, with(runDoctor)},
+       {"doctor", kDoctorHelp, with(runDoctor), [&] { printParametersIfPossible(path); }},
        {"demo", kDemoHelp, with(runDemo)},
        {"test", kTestHelp, with(runTest)}}};
   return runCommand(program, words);

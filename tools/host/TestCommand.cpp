@@ -1,17 +1,16 @@
 #include <dlfcn.h>
 
-#include <cstdlib>
 #include <stdexcept>
-#include <string_view>
 
 #include "tools/host/Commands.h"
+#include "tools/host/XDisplay.h"
 
 namespace terminal {
 namespace {
 
 constexpr Text kNoArguments = {"test takes no arguments", "test не принимает аргументов"};
-constexpr Text kNoDisplay = {"there is no X display to show the window on (DISPLAY is not set)",
-                             "нет X-дисплея, чтобы показать окно (не задана переменная DISPLAY)"};
+constexpr Text kNoDisplay = {"there is no X display to show the window on",
+                             "нет X-дисплея, чтобы показать окно"};
 constexpr Text kNotTested = {"the component did not run the test", "компонента не выполнила тест"};
 
 constexpr Text kNoGtk = {
@@ -20,12 +19,7 @@ constexpr Text kNoGtk = {
     "окну нужна библиотека libgtk-x11-2.0.so.0 (GTK+ 2) той же разрядности, что и эта программа, а "
     "она не установлена"};
 
-// Without a display, or without GTK, the component reports success without showing a window.
-bool hasDisplay() {
-  const char* const display = std::getenv("DISPLAY");
-  return display && *display;
-}
-
+// Without it the component reports success, and shows no window.
 bool hasGtk() { return dlopen("libgtk-x11-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD) != nullptr; }
 
 }  // namespace
@@ -44,7 +38,8 @@ sends, and ends when it is closed. Needs an X display.
 
 int runTest(ComponentLibrary& library, const Arguments& arguments) {
   if (!readOptions(arguments, {}).empty()) throw UsageError(say(kNoArguments));
-  if (!hasDisplay()) throw std::runtime_error(say(kNoDisplay));
+  // Without one the component reports success, and shows no window.
+  if (!XDisplay()) throw std::runtime_error(say(kNoDisplay));
   Component component(library, u"InputDevice");
   component.object().SetLocale(userLocale());
   if (!component.test()) throw std::runtime_error(say(kNotTested));

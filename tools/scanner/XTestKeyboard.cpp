@@ -5,16 +5,22 @@
 
 #include <stdexcept>
 
+#include "tools/common/Language.h"
+
 namespace terminal {
 namespace {
+
+constexpr Text kNoDisplay = {"cannot open the display", "не удалось открыть X-дисплей"};
+constexpr Text kNoXTest = {"the display has no XTEST extension",
+                           "у X-дисплея нет расширения XTEST"};
 
 class XTestKeyboard final : public VirtualKeyboard {
  public:
   XTestKeyboard() : display_(XOpenDisplay(nullptr)) {
-    if (!display_) throw std::runtime_error("cannot open the display");
+    if (!display_) throw std::runtime_error(say(kNoDisplay));
     int ignored = 0;
     if (!XTestQueryExtension(display_.get(), &ignored, &ignored, &ignored, &ignored)) {
-      throw std::runtime_error("the display has no XTEST extension");
+      throw std::runtime_error(say(kNoXTest));
     }
   }
 
