@@ -1,15 +1,12 @@
 #include "tools/host/Diagnosis.h"
 
-#include <nlohmann/json.hpp>
-
 #include "tools/common/Output.h"
 #include "tools/common/VisibleText.h"
 #include "tools/host/EventData.h"
+#include "tools/host/JsonOutput.h"
 
 namespace terminal {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr Text kReceived = {"received: ", "получено: "};
 constexpr Text kOk = {"ok: the driver delivers this scan whole: ",
@@ -19,17 +16,16 @@ constexpr Text kNothingInTheWay = {"nothing is in the way; no scan was waited fo
 
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(); }
 
-std::string asJson(const Diagnosis& diagnosis) {
+Json jsonOf(const Diagnosis& diagnosis) {
   Json findings = Json::array();
   for (const Finding& finding : diagnosis.findings) {
     findings.push_back({{"id", finding.id}, {"text", finding.text}, {"remedy", finding.remedy}});
   }
   const auto bytes = diagnosis.bytes ? std::optional(toBase64(*diagnosis.bytes)) : std::nullopt;
-  const Json object = {{"ok", diagnosis.isOk},
-                       {"findings", findings},
-                       {"bytes", orNull(bytes)},
-                       {"scan", orNull(diagnosis.scan)}};
-  return withEscapes(object.dump(-1, ' ', false, Json::error_handler_t::replace));
+  return {{"ok", diagnosis.isOk},
+          {"findings", findings},
+          {"bytes", orNull(bytes)},
+          {"scan", orNull(diagnosis.scan)}};
 }
 
 void printText(const Diagnosis& diagnosis) {
@@ -43,7 +39,7 @@ void printText(const Diagnosis& diagnosis) {
 
 void print(const Diagnosis& diagnosis, bool json) {
   if (json) {
-    writeLine(asJson(diagnosis));
+    writeJson(jsonOf(diagnosis));
   } else {
     printText(diagnosis);
   }

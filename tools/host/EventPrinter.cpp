@@ -3,13 +3,13 @@
 #include <chrono>
 #include <ctime>
 #include <iomanip>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "tools/common/HostText.h"
 #include "tools/common/Output.h"
 #include "tools/common/VisibleText.h"
+#include "tools/host/JsonOutput.h"
 
 namespace terminal {
 namespace {
@@ -29,12 +29,11 @@ std::string timeText(const Event& event, const char* format, const char* zone) {
   return text.str();
 }
 
-std::string asJson(const Event& event) {
-  const nlohmann::ordered_json object = {{"time", timeText(event, "%FT%T", "%z")},
-                                         {"source", toUtf8(event.source)},
-                                         {"event", toUtf8(event.name)},
-                                         {"data", toUtf8(event.data)}};
-  return withEscapes(object.dump());
+Json jsonOf(const Event& event) {
+  return {{"time", timeText(event, "%FT%T", "%z")},
+          {"source", toUtf8(event.source)},
+          {"event", toUtf8(event.name)},
+          {"data", toUtf8(event.data)}};
 }
 
 std::string asText(const Event& event) {
@@ -48,7 +47,11 @@ std::string asText(const Event& event) {
 }  // namespace
 
 void print(const Event& event, EventFormat format) {
-  writeLine(format == EventFormat::kJson ? asJson(event) : asText(event));
+  if (format == EventFormat::kJson) {
+    writeJson(jsonOf(event));
+  } else {
+    writeLine(asText(event));
+  }
 }
 
 }  // namespace terminal

@@ -93,7 +93,7 @@ Diagnosis examineKeyboard(const std::string& formName, const DriverSettings& set
   XDisplay display;
   diagnosis.findings = keyboardObstacles(display, formName);
   const bool listens = diagnosis.findings.empty() && patience.count() > 0;
-  if (isWaylandSession()) diagnosis.findings.push_back(waylandWarning());
+  append(diagnosis.findings, waylandWarnings(display));
   if (listens) {
     listen(display, formName, settings, patience, end, diagnosis);
   } else {

@@ -24,7 +24,12 @@ constexpr FindingText kKeyboardMissing = {
      "у X-сервера нет клавиатуры «{name}»; есть: {names}"},
     {"--keyboard with one of these names, or plug the scanner in: quorvel-host list",
      "--keyboard с одним из этих имён, либо подключите сканер: quorvel-host list"}};
-
+constexpr FindingText kNoKeyboards = {
+    "keyboard-missing",
+    {"the X server has no keyboard named \"{name}\", nor any other that can be read",
+     "у X-сервера нет ни клавиатуры «{name}», ни другой, которую можно читать"},
+    {"plug the scanner in, or set it to serial (USB CDC) mode",
+     "подключите сканер или переведите его в режим последовательного порта (USB CDC)"}};
 constexpr FindingText kGrabbed = {
     "keyboard-grabbed",
     {"another program has taken the keyboard \"{name}\" for itself",
@@ -34,9 +39,10 @@ constexpr FindingText kGrabbed = {
 constexpr FindingText kWayland = {
     "wayland",
     {"this is a Wayland session: an application hears the scanner only while a window of its own, "
-     "or of another X application, has the focus, and cannot tell it from other keyboards",
+     "or of another X application, has the focus, and cannot tell it from other keyboards, which "
+     "are all the one keyboard \"{name}\"",
      "это сеанс Wayland: приложение слышит сканер, только пока фокус в его окне или в окне другого "
-     "приложения X, и не отличает его от других клавиатур"},
+     "приложения X, и не отличает его от других клавиатур: все они — одна клавиатура «{name}»"},
     {"log in to an X session (Xorg), or set the scanner to serial (USB CDC) mode",
      "войдите в сеанс X (Xorg) или переведите сканер в режим последовательного порта (USB CDC)"}};
 constexpr FindingText kFocusElsewhere = {
@@ -70,6 +76,12 @@ std::string namesLike(const std::string& wanted, std::vector<XInputDevice> devic
   return names;
 }
 
+bool environmentIsWayland() {
+  const char* const session = std::getenv("XDG_SESSION_TYPE");
+  const char* const display = std::getenv("WAYLAND_DISPLAY");
+  return (session && std::string_view(session) == "wayland") || (display && *display);
+}
+
 }  // namespace
 
 int keyboardNamed(XDisplay& display, const std::string& formName) {
@@ -98,21 +110,24 @@ Findings keyboardObstacles(XDisplay& display, const std::string& formName) {
   if (!display) return {makeFinding(kDisplayMissing)};
   const int device = keyboardNamed(display, formName);
   if (device < 0) {
-    return {makeFinding(kKeyboardMissing,
-                        {{"name", formName}, {"names", namesLike(formName, display.devices())}})};
+    const std::string names = namesLike(formName, display.devices());
+    return {makeFinding(names.empty() ? kNoKeyboards : kKeyboardMissing,
+                        {{"name", formName}, {"names", names}})};
   }
   if (!grabKeyboard(display, device)) return {makeFinding(kGrabbed, {{"name", formName}})};
   ungrabKeyboard(display, device);
   return {};
 }
 
-bool isWaylandSession() {
-  const char* const session = std::getenv("XDG_SESSION_TYPE");
-  const char* const display = std::getenv("WAYLAND_DISPLAY");
-  return (session && std::string_view(session) == "wayland") || (display && *display);
+Findings waylandWarnings(XDisplay& display) {
+  const bool isWayland = display ? display.isXwayland() : environmentIsWayland();
+  if (!isWayland) return {};
+  std::string name = "xwayland-keyboard:…";
+  for (const XInputDevice& device : display.devices()) {
+    if (device.isKeyboard) name = device.name;
+  }
+  return {makeFinding(kWayland, {{"name", name}})};
 }
-
-Finding waylandWarning() { return makeFinding(kWayland); }
 
 Findings focusWarnings(const XDisplay& display) {
   const auto program = programWithFocus(display);

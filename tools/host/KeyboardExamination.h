@@ -12,10 +12,9 @@ namespace terminal {
 // name, or another program has grabbed it. Grabs it for a moment to see.
 Findings keyboardObstacles(XDisplay& display, const std::string& formName);
 
-// Whether the X server only passes on what a Wayland compositor lets through, and the finding about
-// it.
-bool isWaylandSession();
-Finding waylandWarning();
+// The session is a Wayland one, whose compositor decides which keys the X server gets; empty
+// otherwise. Without a display the environment tells.
+Findings waylandWarnings(XDisplay& display);
 
 // A window of another program has the focus; empty otherwise.
 Findings focusWarnings(const XDisplay& display);

@@ -1,44 +1,23 @@
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/common/Output.h"
-#include "tools/common/VisibleText.h"
 #include "tools/host/Commands.h"
+#include "tools/host/JsonOutput.h"
+#include "tools/host/ListText.h"
 #include "tools/host/PortFile.h"
-#include "tools/host/SerialFindings.h"
-#include "tools/host/SerialPorts.h"
-#include "tools/host/XDisplay.h"
 
 namespace terminal {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-constexpr Text kUnexpected = {"unexpected argument ", "лишний аргумент "};
-constexpr Text kPort = {"port ", "порт "};
-constexpr Text kInWindow = {" (test window: ", " (в окне теста: "};
-constexpr Text kSerialNumber = {"serial number ", "серийный номер "};
-constexpr Text kBaud = {" baud", " бод"};
-constexpr Text kUsedBy = {"open in ", "открыт в "};
-constexpr Text kKeyboard = {"keyboard ", "клавиатура "};
-constexpr Text kSwitchedOff = {"switched off", "отключена"};
-constexpr Text kNoPorts = {"no serial ports", "последовательных портов нет"};
-constexpr Text kNoDisplay = {"no keyboards: there is no X display", "клавиатур нет: нет X-дисплея"};
-
-struct Port {
-  std::int32_t number;
-  SerialExamination examined;
-  Product product;
-  std::string link;
-};
-
-Port portNumbered(std::int32_t number) {
-  return {number, examinePort(portFile(number)), productOf(number), stableLinkOf(number)};
+std::vector<ListedPort> listedPorts() {
+  std::vector<ListedPort> ports;
+  for (const std::int32_t number : serialPorts()) {
+    ports.push_back(
+        {number, examinePort(portFile(number)), productOf(number), stableLinkOf(number)});
+  }
+  return ports;
 }
 
 // An empty text is an unknown one.
@@ -57,7 +36,7 @@ const char* nameOf(PortAccess access) {
   return "not-a-line";
 }
 
-Json jsonOf(const Port& port) {
+Json jsonOf(const ListedPort& port) {
   const auto& setting = port.examined.setting;
   const std::optional<int> speed = setting ? speedOf(*setting) : std::nullopt;
   Json users = Json::array();
@@ -81,81 +60,10 @@ Json jsonOf(const XInputDevice& keyboard) {
           {"access", keyboard.isEnabled ? "ok" : "denied"}};
 }
 
-void printLine(const std::string& text) {
-  if (!text.empty()) std::cout << "  " << text << '\n';
-}
-
-std::string productLine(const Product& product) {
-  std::string line;
-  for (const std::string& part : {product.maker, product.name}) {
-    if (!part.empty()) line += (line.empty() ? "" : " ") + visible(part);
-  }
-  if (product.serialNumber.empty()) return line;
-  return line + (line.empty() ? "" : ", ") + say(kSerialNumber) + visible(product.serialNumber);
-}
-
-std::string settingLine(const SerialExamination& examined) {
-  if (!examined.setting) return {};
-  std::string line = nameOf(kindOf(*examined.setting));
-  if (const auto speed = speedOf(*examined.setting)) {
-    line += ", " + std::to_string(*speed) + say(kBaud);
-  }
-  return line;
-}
-
-std::string holdersLine(const SerialExamination& examined) {
-  std::string line;
-  for (const Holder& holder : examined.holders) {
-    line += (line.empty() ? say(kUsedBy) : ", ") + visible(holder.program) + " (" +
-            std::to_string(holder.process) + ")";
-  }
-  return line;
-}
-
-void printPort(const Port& port) {
-  std::cout << portFile(port.number) << ": " << say(kPort) << port.number << ", "
-            << formName(port.number) << say(kInWindow) << windowName(port.number) << ")\n";
-  printLine(productLine(port.product));
-  printLine(visible(port.link));
-  printLine(settingLine(port.examined));
-  printLine(holdersLine(port.examined));
-  Findings notes = obstaclesOf(port.number, port.examined);
-  const Findings warnings = lineWarnings(port.number, port.examined, DriverSettings());
-  notes.insert(notes.end(), warnings.begin(), warnings.end());
-  for (const Finding& note : notes) {
-    printLine("! " + note.text);
-    printLine("  -> " + note.remedy);
-  }
-}
-
-void printKeyboard(const XInputDevice& keyboard) {
-  std::cout << say(kKeyboard) << '"' << visible(keyboard.name) << "\" (" << keyboard.id << ")\n";
-  if (!keyboard.isEnabled) printLine(std::string("! ") + say(kSwitchedOff));
-}
-
-void listPorts(bool json) {
-  const std::vector<std::int32_t> numbers = serialPorts();
-  if (numbers.empty() && !json) std::cout << say(kNoPorts) << '\n';
-  for (const std::int32_t number : numbers) {
-    const Port port = portNumbered(number);
-    if (json) {
-      writeLine(withEscapes(jsonOf(port).dump(-1, ' ', false, Json::error_handler_t::replace)));
-    } else {
-      printPort(port);
-    }
-  }
-}
-
-void listKeyboards(bool json) {
-  XDisplay display;
-  if (!display && !json) std::cout << say(kNoDisplay) << '\n';
-  for (const XInputDevice& device : display.devices()) {
-    if (!device.isKeyboard) continue;
-    if (json) {
-      writeLine(withEscapes(jsonOf(device).dump()));
-    } else {
-      printKeyboard(device);
-    }
+void writeAll(const std::vector<ListedPort>& ports, const std::vector<XInputDevice>& devices) {
+  for (const ListedPort& port : ports) writeJson(jsonOf(port));
+  for (const XInputDevice& device : devices) {
+    if (device.isKeyboard) writeJson(jsonOf(device));
   }
 }
 
@@ -181,11 +89,16 @@ options:
 
 int runList(const Arguments& arguments) {
   bool json = false;
-  const Arguments rest =
-      readOptions(arguments, {{"json", false, [&](const std::string&) { json = true; }}});
-  if (!rest.empty()) throw UsageError(say(kUnexpected) + rest.front());
-  listPorts(json);
-  listKeyboards(json);
+  refuseArguments(
+      readOptions(arguments, {{"json", false, [&](const std::string&) { json = true; }}}));
+  const std::vector<ListedPort> ports = listedPorts();
+  XDisplay display;
+  if (json) {
+    writeAll(ports, display.devices());
+  } else {
+    printPorts(ports);
+    printKeyboards(display);
+  }
   return 0;
 }
 

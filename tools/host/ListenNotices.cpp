@@ -11,8 +11,6 @@ namespace terminal {
 namespace {
 
 constexpr Text kWarning = {"warning: ", "внимание: "};
-constexpr Text kRawLine = {"the line is raw: a scan that comes in pieces is lost",
-                           "линия без сборки (raw): скан, пришедший по частям, теряется"};
 constexpr Text kSilence = {"nothing has come yet; to find out why: ",
                            "пока ничего не пришло; выяснить почему: "};
 constexpr Text kGone = {"the device has gone: ", "устройство отключено: "};
@@ -26,7 +24,7 @@ std::string doctorCommand(const DeviceOptions& device) {
 
 Findings examineKeyboardNamed(const std::string& formName) {
   XDisplay display;
-  if (isWaylandSession()) tell(say(kWarning) + waylandWarning().text);
+  for (const Finding& warning : waylandWarnings(display)) tell(say(kWarning) + warning.text);
   return keyboardObstacles(display, formName);
 }
 
@@ -44,10 +42,9 @@ Findings examine(const DeviceOptions& device) {
   const Findings ofLine = lineWarnings(*device.port, examined, settings);
   warnings.insert(warnings.end(), ofLine.begin(), ofLine.end());
   if (isUnknownSpeed(settings.speed)) warnings.push_back(speedWarning(settings));
+  const Findings ofRawLine = rawLineNotes(*device.port, examined);
+  warnings.insert(warnings.end(), ofRawLine.begin(), ofRawLine.end());
   for (const Finding& warning : warnings) tell(say(kWarning) + warning.text);
-  if (kindOf(*examined.setting) == LineKind::kRaw) {
-    tell(std::string(say(kWarning)) + say(kRawLine));
-  }
   return obstacles;
 }
 

@@ -91,6 +91,11 @@ constexpr FindingText kCooked = {
      "управляющие символы выполняются"},
     {"{command}; or --set Suffix=10", "{command}; либо --set Suffix=10"}};
 
+constexpr FindingText kRaw = {"line-raw",
+                              {"the line is raw: a scan that comes in pieces is lost",
+                               "линия без сборки (raw): скан, пришедший по частям, теряется"},
+                              {"{command}", "{command}"}};
+
 constexpr FindingText kSpeedUnknown = {
     "speed-unknown",
     {"the driver knows no speed {speed} and uses 9600",
@@ -183,6 +188,11 @@ Findings lineWarnings(std::int32_t port, const SerialExamination& examined,
   if (!examined.setting || kindOf(*examined.setting) != LineKind::kCooked) return {};
   if (settings.suffix == '\n') return {};
   return {makeFinding(kCooked, {{"file", portFile(port)}, {"command", framingCommand(port)}})};
+}
+
+Findings rawLineNotes(std::int32_t port, const SerialExamination& examined) {
+  if (!examined.setting || kindOf(*examined.setting) != LineKind::kRaw) return {};
+  return {makeFinding(kRaw, {{"command", framingCommand(port)}})};
 }
 
 }  // namespace terminal

@@ -18,6 +18,9 @@ Findings obstaclesOf(std::int32_t port, const SerialExamination& examined);
 Findings lineWarnings(std::int32_t port, const SerialExamination& examined,
                       const DriverSettings& settings);
 
+// On a raw line a scan may come in pieces, which only its bytes can tell.
+Findings rawLineNotes(std::int32_t port, const SerialExamination& examined);
+
 // Whether the driver uses another speed than the one that was set, and the finding about it.
 bool isUnknownSpeed(std::int32_t bitsPerSecond);
 Finding speedWarning(const DriverSettings& settings);

@@ -24,6 +24,11 @@ using DeviceInfo = std::unique_ptr<XIDeviceInfo, DeviceInfoFreer>;
 // Xlib ends the process after a lost connection unless this is set.
 void noteLoss(Display*, void* lost) { *static_cast<bool*>(lost) = true; }
 
+// Xwayland's only keyboard, whatever keyboards there are. Its type is not that of a keyboard.
+constexpr std::string_view kXwaylandKeyboard = "xwayland-keyboard";
+// Every input device of Xwayland's own.
+constexpr std::string_view kXwaylandDevice = "xwayland-";
+
 // A device may go between two requests.
 int ignoreError(Display*, XErrorEvent*) { return 0; }
 
@@ -95,12 +100,25 @@ std::vector<XInputDevice> XDisplay::devices() {
   for (int i = 0; list && i < count; ++i) {
     const XDeviceInfo& device = list.get()[i];
     const auto state = enabled.find(static_cast<int>(device.id));
-    found.push_back({static_cast<int>(device.id), formNameOf(device.name ? device.name : ""),
-                     device.type != None && device.type == keyboard,
-                     state != enabled.end() && state->second});
+    const std::string name = formNameOf(device.name ? device.name : "");
+    const bool isKeyboard =
+        (device.type != None && device.type == keyboard) || name.starts_with(kXwaylandKeyboard);
+    found.push_back(
+        {static_cast<int>(device.id), name, isKeyboard, state != enabled.end() && state->second});
   }
   if (*lost_) found.clear();
   return found;
+}
+
+bool XDisplay::isXwayland() {
+  if (!*this) return false;
+  int ignored = 0;
+  // Servers have this extension from version 23 on.
+  if (XQueryExtension(display_.get(), "XWAYLAND", &ignored, &ignored, &ignored)) return true;
+  const std::vector<XInputDevice> all = devices();
+  return std::any_of(all.begin(), all.end(), [](const XInputDevice& device) {
+    return device.name.starts_with(kXwaylandDevice);
+  });
 }
 
 }  // namespace terminal

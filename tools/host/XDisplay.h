@@ -12,7 +12,7 @@ namespace terminal {
 struct XInputDevice {
   int id;
   std::string name;  // as the settings form has it
-  bool isKeyboard;   // of the kind that the form lists
+  bool isKeyboard;   // the form lists it, or Xwayland reads all keyboards through it
   bool isEnabled;
 };
 
@@ -34,6 +34,10 @@ class XDisplay {
 
   // The input devices in the server's order.
   std::vector<XInputDevice> devices();
+
+  // Whether the server is a client of a Wayland compositor itself, and gets no other keys than
+  // those that the compositor passes on.
+  bool isXwayland();
 
  private:
   struct Closer {
