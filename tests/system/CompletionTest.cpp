@@ -1,13 +1,19 @@
-// What bash offers after a Tab.
+// What bash and zsh offer after a Tab.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Program.h"
+#include "tests/rig/ScratchFolder.h"
 #include "tests/rig/XServer.h"
 #include "tools/common/SerialLine.h"
 
@@ -19,17 +25,53 @@ using testing::ElementsAre;
 using testing::IsSupersetOf;
 using testing::Not;
 
-// What completes the last of the words after the program's name.
+// The folder of the completions.
+std::string completions() { return std::getenv("QUORVEL_COMPLETIONS"); }
+
+// With what bash completes the last of the words after the program's name.
 std::vector<std::string> completions(const Words& words) {
   Words command = {"bash", "-c",
                    "source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _quorvel_host; "
                    "printf '%s\\n' \"${COMPREPLY[@]}\"",
-                   std::getenv("QUORVEL_COMPLETION"), rig::hostPath()};
+                   completions() + "/quorvel-host.bash", rig::hostPath()};
   command.insert(command.end(), words.begin(), words.end());
   std::istringstream lines(rig::outputOf(command));
   std::vector<std::string> answers;
   for (std::string line; std::getline(lines, line);) answers.push_back(line);
   return answers;
+}
+
+// What zsh makes of a command line, whose program is the tool.
+std::string completedByZsh(const std::string& arguments) {
+  const rig::ScratchFolder folder;
+  const std::string answer = folder.path() / "answer";
+  // Completion needs a terminal.
+  const Words words = {"script", "--quiet", "--return", "--command", "zsh -i", "/dev/null"};
+  const rig::Ending ending = rig::run(words, {{"ZDOTDIR", std::getenv("QUORVEL_ZSH_STARTUP")},
+                                              {"COMPLETIONS", completions()},
+                                              {"LINE", rig::hostPath() + " " + arguments},
+                                              {"ANSWER", answer},
+                                              {"TERM", "dumb"}});
+  std::ifstream file(answer);
+  std::string line;
+  EXPECT_TRUE(std::getline(file, line)) << ending.output;
+  return line.substr(std::min(line.size(), rig::hostPath().size() + 1));
+}
+
+TEST(Completion, ByZsh) {
+  terminal::SerialLine line(terminal::LineSetting::kFramed);
+  line.link("/dev/ttyUSB0");
+  const rig::XServer server({"Honeywell Scanner", "Keys"});
+  const rig::ScopedVariable display("DISPLAY", server.display());
+  for (const auto& [typed, completed] :
+       {std::pair("do", "doctor "), std::pair("listen --win", "listen --window "),
+        std::pair("list --", "list --json "), std::pair("doctor --sec", "doctor --seconds "),
+        std::pair("listen --set Suf", "listen --set Suffix="),
+        std::pair("listen --port ", "listen --port /dev/ttyUSB0 "),
+        std::pair("doctor --port /dev/tty", "doctor --port /dev/ttyUSB0 "),
+        std::pair("listen --keyboard Hon", "listen --keyboard Honeywell\\ Scanner ")}) {
+    EXPECT_EQ(completedByZsh(typed), completed);
+  }
 }
 
 TEST(Completion, CommandsAndTheirOptions) {

@@ -6,18 +6,16 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "tests/rig/Driver.h"
-#include "tests/rig/Program.h"
+#include "tests/rig/HostTool.h"
 
 namespace {
 
 using rig::Ending;
+using rig::kEnglish;
+using rig::kRussian;
 using rig::Words;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}, {"DISPLAY", ""}};
-const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}, {"DISPLAY", ""}};
 
 std::vector<std::string> dataOf(const std::string& output) {
   std::vector<std::string> data;

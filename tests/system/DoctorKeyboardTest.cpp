@@ -7,15 +7,15 @@
 #include <optional>
 #include <sstream>
 
-#include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
-#include "tests/rig/Program.h"
+#include "tests/rig/HostTool.h"
 #include "tests/rig/XClient.h"
 #include "tests/rig/XServer.h"
 
 namespace {
 
 using nlohmann::json;
+using rig::Diagnosis;
 using rig::Ending;
 using rig::Program;
 using rig::Words;
@@ -25,34 +25,14 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-const rig::Variables kEnglish = {
-    {"LC_ALL", "C.UTF-8"}, {"XDG_SESSION_TYPE", "x11"}, {"WAYLAND_DISPLAY", ""}};
-
-struct Diagnosis {
-  int code;
-  json object;
-
-  std::vector<std::string> ids() const {
-    std::vector<std::string> found;
-    for (const json& finding : object["findings"]) found.push_back(finding["id"]);
-    return found;
-  }
-  std::string remedy() const { return object["findings"].at(0)["remedy"]; }
-  std::string text() const { return object["findings"].at(0)["text"]; }
-};
+const rig::Variables kEnglish = rig::kEnglishOnScreen;
 
 class DoctorKeyboard : public testing::Test {
  protected:
   static Words words(const Words& more, const std::string& keyboard = "Scanner") {
-    Words all = {rig::hostPath(), "doctor", "--keyboard", keyboard, "--json"};
+    Words all = rig::hostWords({"doctor", "--keyboard", keyboard, "--json"});
     all.insert(all.end(), more.begin(), more.end());
     return all;
-  }
-
-  static Diagnosis diagnosisOf(const Ending& ending) {
-    const json object = json::parse(ending.output);
-    EXPECT_EQ(object["ok"] ? 0 : 1, ending.code);
-    return {ending.code, object};
   }
 
   static Diagnosis examine(const std::string& keyboard = "Scanner") {

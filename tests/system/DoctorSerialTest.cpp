@@ -1,4 +1,4 @@
-// quorvel-host doctor and list at serial ports: each finding provoked for real.
+// quorvel-host doctor at serial ports: each finding provoked for real.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -6,20 +6,22 @@
 
 #include <chrono>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tests/rig/Driver.h"
-#include "tests/rig/Program.h"
+#include "tests/rig/HostTool.h"
+#include "tests/rig/ScratchFolder.h"
 #include "tools/common/SerialLine.h"
 
 namespace {
 
-using nlohmann::json;
+using rig::Diagnosis;
 using rig::Ending;
+using rig::hostWords;
+using rig::kEnglish;
+using rig::kRussian;
 using rig::Program;
 using rig::Words;
 using terminal::LineSetting;
@@ -30,48 +32,9 @@ using testing::IsEmpty;
 using testing::Not;
 
 const std::string kPath = "/dev/ttyUSB0";
-const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}, {"DISPLAY", ""}};
-const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}, {"DISPLAY", ""}};
-
-Words hostWords(const Words& words) {
-  Words all = {rig::hostPath()};
-  all.insert(all.end(), words.begin(), words.end());
-  return all;
-}
-
 struct Port : SerialLine {
   explicit Port(LineSetting setting) : SerialLine(setting) { link(kPath); }
 };
-
-struct Diagnosis {
-  int code;
-  json object;
-
-  std::vector<std::string> ids() const {
-    std::vector<std::string> found;
-    for (const json& finding : object["findings"]) found.push_back(finding["id"]);
-    return found;
-  }
-  std::string remedy() const { return object["findings"].at(0)["remedy"]; }
-  std::string text() const { return object["findings"].at(0)["text"]; }
-};
-
-// Every diagnosis is one object of this shape.
-Diagnosis diagnosisOf(const Ending& ending) {
-  const json object = json::parse(ending.output);
-  EXPECT_EQ(object.size(), 4U);
-  EXPECT_TRUE(object.at("ok").is_boolean());
-  EXPECT_EQ(object["ok"] ? 0 : 1, ending.code);
-  EXPECT_TRUE(object.at("bytes").is_string() || object["bytes"].is_null());
-  EXPECT_TRUE(object.at("scan").is_string() || object["scan"].is_null());
-  for (const json& finding : object.at("findings")) {
-    EXPECT_EQ(finding.size(), 3U);
-    for (const char* member : {"id", "text", "remedy"}) {
-      EXPECT_NE(finding.at(member).get<std::string>(), "");
-    }
-  }
-  return {ending.code, object};
-}
 
 Words doctorWords(const Words& more) {
   Words words = hostWords({"doctor", "--port", "129", "--json"});
@@ -194,6 +157,17 @@ TEST(DoctorSerial, NothingComes) {
   EXPECT_THAT(silent.ids(), ElementsAre("no-bytes"));
 }
 
+// The driver waits for the next scan.
+TEST(DoctorSerial, AnEndWithNothingBeforeItIsNoScan) {
+  for (const LineSetting line : {LineSetting::kFramed, LineSetting::kRaw}) {
+    const Diagnosis empty = Scan{line, "\r"}.diagnosed();
+    EXPECT_EQ(empty.code, 1);
+    EXPECT_THAT(empty.ids(), ElementsAre("no-bytes"));
+    EXPECT_EQ(empty.object["bytes"], "DQ==");
+    EXPECT_EQ((Scan{line, "\r123\r"}.diagnosed().object["scan"]), "123");
+  }
+}
+
 TEST(DoctorSerial, AScannerThatIsUnplugged) {
   std::optional<Port> port(std::in_place, LineSetting::kFramed);
   Program doctor(doctorWords({}), kEnglish);
@@ -213,17 +187,6 @@ TEST(DoctorSerial, AMissingPortAndWhatIsNotALine) {
   std::filesystem::remove(kPath);
 }
 
-TEST(DoctorSerial, AnotherReader) {
-  Port port(LineSetting::kRaw);
-  Program other({"cat", kPath});
-  port.send("1\n");
-  other.line();  // it reads
-  const Diagnosis busy = examine({});
-  EXPECT_EQ(busy.code, 1);
-  EXPECT_THAT(busy.ids(), ElementsAre("line-busy"));
-  EXPECT_THAT(busy.text(), HasSubstr("cat"));
-}
-
 TEST(DoctorSerial, AnUnknownSpeedChangesNoExitCode) {
   const Diagnosis diagnosis =
       Scan{.bytes = "123\r", .options = {"--set", "Speed=14400"}}.diagnosed();
@@ -231,20 +194,47 @@ TEST(DoctorSerial, AnUnknownSpeedChangesNoExitCode) {
   EXPECT_THAT(diagnosis.ids(), ElementsAre("speed-unknown"));
 }
 
-TEST(DoctorSerial, APortOfAnotherUser) {
-  if (geteuid() != 0 ||
-      rig::run({"setpriv", "--reuid=65534", "--clear-groups", "true"}).code != 0) {
-    GTEST_SKIP() << "needs to become another user";
+// A port that only root and the group dialout may read, examined by somebody else.
+class ForeignPort : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (geteuid() != 0 || rig::run(asNobody({"true"})).code != 0) {
+      GTEST_SKIP() << "needs to become another user";
+    }
+    rig::outputOf({"chown", "root:dialout", port_.port()});
+    rig::outputOf({"chmod", "660", port_.port()});
   }
-  const Port port(LineSetting::kFramed);
-  rig::outputOf({"chown", "root:dialout", port.port()});
-  rig::outputOf({"chmod", "660", port.port()});
-  Words words = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
-  const Words doctor = doctorWords({});
+
+  static Words asNobody(const Words& command) {
+    Words words = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"};
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+  }
+
+  const Port port_{LineSetting::kFramed};
+};
+
+TEST_F(ForeignPort, NamesTheGroupThatMayReadIt) {
+  const Diagnosis denied = diagnosisOf(rig::run(asNobody(doctorWords({})), kEnglish));
+  EXPECT_THAT(denied.ids(), ElementsAre("port-denied"));
+  EXPECT_THAT(denied.text(), HasSubstr("the group dialout only, and you are not in it"));
+  EXPECT_THAT(denied.remedy(), HasSubstr("adduser $USER dialout"));
+}
+
+TEST_F(ForeignPort, SaysWhenTheUserHasNotLoggedInSinceJoiningTheGroup) {
+  const rig::ScratchFolder folder;
+  const std::string groups = folder.path() / "group";
+  const std::string user = rig::outputOf({"sh", "-c", "getent passwd 65534 | cut -d: -f1"});
+  rig::outputOf({"sh", "-c", "sed \"/^dialout:/s/\\$/$1/\" /etc/group > \"$0\"", groups,
+                 user.substr(0, user.find('\n'))});
+  Words words = {"unshare", "--mount", "sh", "-c", "mount --bind \"$0\" /etc/group && exec \"$@\"",
+                 groups};
+  const Words doctor = asNobody(doctorWords({}));
   words.insert(words.end(), doctor.begin(), doctor.end());
   const Diagnosis denied = diagnosisOf(rig::run(words, kEnglish));
   EXPECT_THAT(denied.ids(), ElementsAre("port-denied"));
-  EXPECT_THAT(denied.remedy(), HasSubstr("adduser $USER dialout"));
+  EXPECT_THAT(denied.text(), HasSubstr("you are in it, but have not logged in since"));
+  EXPECT_EQ(denied.remedy(), "log out and in again");
 }
 
 TEST(DoctorSerial, AnInterruptedDoctorLeavesTheLineAsItWas) {
@@ -279,38 +269,6 @@ TEST(DoctorSerial, WrongCommandLines) {
     all.insert(all.end(), words.begin(), words.end());
     EXPECT_EQ(rig::run(all, kEnglish).code, 2);
   }
-}
-
-TEST(ListCommand, ShowsPortsForAPersonAndAsJson) {
-  const Port port(LineSetting::kCooked);
-  std::filesystem::create_directories("/dev/serial/by-id");
-  const std::string link = "/dev/serial/by-id/usb-Maker_Scanner";
-  std::filesystem::create_symlink("../../ttyUSB0", link);
-  const json object = json::parse(rig::run(hostWords({"list", "--json"}), kEnglish).output);
-  const json expected = {{"kind", "serial"},   {"port", 129},        {"file", kPath},
-                         {"name", "USB COM1"}, {"product", nullptr}, {"access", "ok"},
-                         {"line", "cooked"},   {"speed", 38400},     {"used_by", json::array()},
-                         {"by_id", link}};
-  EXPECT_EQ(object, expected);
-  const std::string text = rig::run(hostWords({"list"}), kEnglish).output;
-  for (const char* part :
-       {"/dev/ttyUSB0: port 129, USB COM1 (test window: USB1)", "cooked, 38400 baud",
-        "! the line /dev/ttyUSB0 is cooked", "no keyboards: there is no X display"}) {
-    EXPECT_THAT(text, HasSubstr(part));
-  }
-  EXPECT_THAT(rig::run(hostWords({"list"}), kRussian).output, HasSubstr("порт 129, USB COM1"));
-  std::filesystem::remove_all("/dev/serial");
-}
-
-TEST(ListCommand, NamesThoseWhoHaveAPortOpenAndNeedsNoComponent) {
-  Port port(LineSetting::kRaw);
-  Program other({"cat", kPath});
-  port.send("1\n");
-  other.line();  // it reads
-  const Ending ending = rig::run(hostWords({"--library", "/dev/null", "list", "--json"}), kEnglish);
-  EXPECT_EQ(ending.code, 0);
-  EXPECT_EQ(json::parse(ending.output)["used_by"].size(), 1U);
-  EXPECT_THAT(rig::run(hostWords({"list"}), kEnglish).output, HasSubstr("open in cat ("));
 }
 
 }  // namespace

@@ -8,13 +8,16 @@
 #include <string>
 
 #include "QuorvelVersion.h"
-#include "tests/rig/Program.h"
+#include "tests/rig/HostTool.h"
 #include "tests/rig/Refusals.h"
 #include "tests/rig/SerialDriver.h"
 
 namespace {
 
 using rig::Ending;
+using rig::hostWords;
+using rig::kEnglish;
+using rig::kRussian;
 using rig::Program;
 using rig::Refusal;
 using rig::Words;
@@ -23,15 +26,6 @@ using terminal::SerialLine;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
-
-const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}, {"DISPLAY", ""}};
-const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}, {"DISPLAY", ""}};
-
-Words hostWords(const Words& words) {
-  Words all = {rig::hostPath()};
-  all.insert(all.end(), words.begin(), words.end());
-  return all;
-}
 
 // A host that listens at the first USB port, and the scanner there.
 struct Listening {
@@ -56,7 +50,7 @@ struct Listening {
     const Ending ending = host.end();
     EXPECT_EQ(ending.code, 0);
     EXPECT_EQ(ending.output, "");
-    EXPECT_EQ(ending.errors, "");
+    EXPECT_EQ(rig::noticesOf(ending), "");
   }
 
   static Words listenWords(const Words& options) {
@@ -222,8 +216,18 @@ const Refusal kRefusals[] = {
      2,
      "unknown option --loud (see --help)",
      "неизвестный ключ --loud (см. --help)"},
-    {{"listen", "--port", "1", "--class", "Scale"}, 1, nullptr, nullptr},
-    {{"--library", "/dev/null", "info"}, 1, nullptr, nullptr},
+    {{"listen", "--port", "1", "--class", "Scale"},
+     1,
+     "no component class named Scale",
+     "в компоненте нет класса Scale"},
+    {{"--library", "/dev/null", "info"},
+     1,
+     "/dev/null: is no shared library",
+     "/dev/null: не разделяемая библиотека"},
+    {{"--library", "/no/\x1B[2J.so", "info"},
+     1,
+     "/no/␛[2J.so: No such file or directory",
+     "/no/␛[2J.so: нет такого файла или каталога"},
 };
 
 TEST(HostTool, SaysInOneLineWhatIsWrong) {
@@ -241,7 +245,7 @@ TEST(HostTool, HelpMayStandAnywhereOnTheCommandLine) {
 }
 
 TEST(HostTool, HelpsWithEachCommand) {
-  for (const std::string command : {"info", "form", "listen", "test"}) {
+  for (const std::string command : {"info", "form", "listen", "list", "doctor", "demo", "test"}) {
     for (const Words& words : {Words{command, "--help"}, Words{"-h", command}, Words{command, "-h"},
                                Words{"help", command}}) {
       EXPECT_THAT(rig::run(hostWords(words), kEnglish).output,
@@ -264,9 +268,10 @@ TEST(HostTool, HelpOfListenNamesTheParametersOfTheForm) {
   EXPECT_THAT(help, HasSubstr("    * 9600\n"));
   // Without a library the help lacks only the parameters.
   const Ending without =
-      rig::run(hostWords({"--library", "/dev/null", "help", "listen"}), kEnglish);
+      rig::run(hostWords({"--library", "/no/\x1B[2J.so", "help", "doctor"}), kEnglish);
   EXPECT_EQ(without.code, 0);
-  EXPECT_THAT(without.output, StartsWith("usage: quorvel-host listen"));
+  EXPECT_THAT(without.output, StartsWith("usage: quorvel-host doctor"));
+  EXPECT_THAT(without.output, HasSubstr("\n/no/␛[2J.so: No such file or directory\n"));
 }
 
 TEST(HostTool, TellsItsVersion) {

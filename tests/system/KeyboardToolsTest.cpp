@@ -7,6 +7,7 @@
 
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
+#include "tests/rig/HostTool.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/Threads.h"
 #include "tests/rig/XClient.h"
@@ -103,12 +104,12 @@ TEST_F(KeyboardToolsTest, TheHostSaysWhenTheKeyboardGoesAndWhenItIsBack) {
   host.errorLine();
   std::optional<rig::XClient> client(server_.display());
   client->setEnabled(client->device("Keys"), false);
-  EXPECT_EQ(host.errorLine(), "the device has gone: Keys");
+  EXPECT_EQ(rig::noticeOf(host), "the device has gone: Keys");
   client->setEnabled(client->device("Keys"), true);
-  EXPECT_EQ(host.errorLine(), "the device is back: Keys");
+  EXPECT_EQ(rig::noticeOf(host), "the device is back: Keys");
   client.reset();
   server_.kill();
-  EXPECT_EQ(host.errorLine(), "the device has gone: Keys");
+  EXPECT_EQ(rig::noticeOf(host), "the device has gone: Keys");
   host.signal(SIGINT);
   EXPECT_EQ(host.end().code, 0);
 }

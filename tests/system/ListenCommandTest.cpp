@@ -12,7 +12,7 @@
 #include <string>
 #include <utility>
 
-#include "tests/rig/Program.h"
+#include "tests/rig/HostTool.h"
 #include "tests/rig/SerialDriver.h"
 #include "util/Handles.h"
 
@@ -21,6 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 
 using rig::Ending;
+using rig::kEnglish;
+using rig::kRussian;
 using rig::Program;
 using rig::Words;
 using terminal::LineSetting;
@@ -28,9 +30,6 @@ using terminal::SerialLine;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}, {"DISPLAY", ""}};
-const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}, {"DISPLAY", ""}};
 
 Words listenWords(const Words& more) {
   Words words = {rig::hostPath(), "listen"};
@@ -91,7 +90,8 @@ TEST(ListenCommand, AFullDiskEndsIt) {
   scanner.send("123\r");
   const Ending ending = host.end();
   EXPECT_EQ(ending.code, 1);
-  EXPECT_EQ(ending.errors, "quorvel-host: cannot write the output: No space left on device\n");
+  EXPECT_EQ(rig::noticesOf(ending),
+            "quorvel-host: cannot write the output: No space left on device\n");
 }
 
 TEST(ListenCommand, AClosedPipeEndsIt) {
@@ -111,7 +111,7 @@ TEST(ListenCommand, AClosedPipeEndsIt) {
   const Ending ending = host.end();
   fs::remove(pipe);
   EXPECT_EQ(ending.code, 1);
-  EXPECT_THAT(ending.errors, StartsWith("quorvel-host: не удалось записать вывод: "));
+  EXPECT_EQ(rig::noticesOf(ending), "quorvel-host: не удалось записать вывод: канал закрыт\n");
 }
 
 TEST(ListenCommand, EveryCommandSaysWhenItsOutputCannotBeWritten) {
@@ -130,9 +130,9 @@ TEST(ListenCommand, SaysWhenTheDeviceIsBackAndScansOn) {
   host.errorLine();
   scanner->waitForReader(-1, rig::kPatience);
   scanner.reset();
-  EXPECT_EQ(host.errorLine(), "the device has gone: /dev/ttyUSB0");
+  EXPECT_EQ(rig::noticeOf(host), "the device has gone: /dev/ttyUSB0");
   scanner.emplace();
-  EXPECT_EQ(host.errorLine(), "the device is back: /dev/ttyUSB0");
+  EXPECT_EQ(rig::noticeOf(host), "the device is back: /dev/ttyUSB0");
   scanner->waitForReader(-1, rig::kPatience);
   scanner->send("123\r");
   EXPECT_THAT(host.line(), EndsWith("  123"));
@@ -148,7 +148,7 @@ TEST(ListenCommand, SaysWhenTheDeviceGoes) {
     host.errorLine();
     scanner->waitForReader(-1, rig::kPatience);
     scanner.reset();
-    EXPECT_EQ(host.errorLine(), text);
+    EXPECT_EQ(rig::noticeOf(host), text);
     host.signal(SIGINT);
     EXPECT_EQ(host.end().code, 0);
   }

@@ -287,11 +287,11 @@ const Refusal kRefusals[] = {
     {{"serial", "--link", kUsb1Path, "--file", "/dev/nothing"},
      1,
      "/dev/nothing: No such file or directory",
-     "/dev/nothing: No such file or directory"},
+     "/dev/nothing: нет такого файла или каталога"},
     {{"serial", "--link", "/dev/nowhere/ttyUSB0", "1"},
      1,
      "/dev/nowhere/ttyUSB0: No such file or directory",
-     "/dev/nowhere/ttyUSB0: No such file or directory"},
+     "/dev/nowhere/ttyUSB0: нет такого файла или каталога"},
     {{"serial", "--link", kUsb1Path, "--no-wait", "--escapes", "a\\q"},
      2,
      "not an escape: a\\q",
@@ -318,7 +318,7 @@ TEST(ScannerTool, UnplugsWhenItsFileCannotBeRead) {
   EXPECT_EQ(russian.code, 1);
   EXPECT_EQ(russian.output, "");
   EXPECT_THAT(russian.errors,
-              EndsWith("\nquorvel-scanner: не удалось прочитать сканы: Is a directory\n"));
+              EndsWith("\nquorvel-scanner: не удалось прочитать сканы: это каталог\n"));
   EXPECT_FALSE(std::filesystem::is_symlink(kUsb1Path));
 }
 

@@ -12,43 +12,41 @@ namespace {
 
 struct ErrorText {
   int error;
-  Text text;
+  const char* russian;
 };
 // Those that a device, a file, a socket or a full disk may give.
 constexpr ErrorText kErrors[] = {
-    {EACCES, {"Permission denied", "нет прав доступа"}},
-    {EADDRINUSE, {"Address already in use", "адрес уже занят"}},
-    {EBADF, {"Bad file descriptor", "поток закрыт"}},
-    {EBUSY, {"Device or resource busy", "устройство занято"}},
-    {ECONNREFUSED, {"Connection refused", "соединение отвергнуто"}},
-    {ECONNRESET, {"Connection reset by peer", "соединение разорвано"}},
-    {EDQUOT, {"Disk quota exceeded", "превышена дисковая квота"}},
-    {EEXIST, {"File exists", "файл уже существует"}},
-    {EFBIG, {"File too large", "файл слишком велик"}},
-    {EINVAL, {"Invalid argument", "недопустимый параметр"}},
-    {EIO, {"Input/output error", "ошибка ввода-вывода"}},
-    {EISDIR, {"Is a directory", "это каталог"}},
-    {ELOOP, {"Too many levels of symbolic links", "слишком много ссылок подряд"}},
-    {EMFILE, {"Too many open files", "открыто слишком много файлов"}},
-    {ENAMETOOLONG, {"File name too long", "слишком длинное имя файла"}},
-    {ENFILE, {"Too many open files in system", "в системе открыто слишком много файлов"}},
-    {ENODEV, {"No such device", "нет такого устройства"}},
-    {ENOENT, {"No such file or directory", "нет такого файла или каталога"}},
-    {ENOMEM, {"Cannot allocate memory", "не хватает памяти"}},
-    {ENOSPC, {"No space left on device", "на устройстве не осталось места"}},
-    {ENOTDIR, {"Not a directory", "это не каталог"}},
-    {ENOTSOCK, {"Socket operation on non-socket", "это не сокет"}},
-    {ENOTTY, {"Inappropriate ioctl for device", "устройство не поддерживает этого"}},
-    {ENXIO, {"No such device or address", "за этим файлом нет устройства"}},
-    {EPERM, {"Operation not permitted", "действие не разрешено"}},
-    {EPIPE, {"Broken pipe", "канал закрыт"}},
-    {EPROTO, {"Protocol error", "ошибка протокола"}},
-    {EPROTOTYPE, {"Protocol wrong type for socket", "сокет другого вида"}},
-    {EROFS, {"Read-only file system", "файловая система только для чтения"}},
-    {ETIMEDOUT, {"Connection timed out", "время ожидания истекло"}},
+    {EACCES, "нет прав доступа"},
+    {EADDRINUSE, "адрес уже занят"},
+    {EBADF, "поток закрыт"},
+    {EBUSY, "устройство занято"},
+    {ECONNREFUSED, "соединение отвергнуто"},
+    {ECONNRESET, "соединение разорвано"},
+    {EDQUOT, "превышена дисковая квота"},
+    {EEXIST, "файл уже существует"},
+    {EFBIG, "файл слишком велик"},
+    {EINVAL, "недопустимый параметр"},
+    {EIO, "ошибка ввода-вывода"},
+    {EISDIR, "это каталог"},
+    {ELOOP, "слишком много ссылок подряд"},
+    {EMFILE, "открыто слишком много файлов"},
+    {ENAMETOOLONG, "слишком длинное имя файла"},
+    {ENFILE, "в системе открыто слишком много файлов"},
+    {ENODEV, "нет такого устройства"},
+    {ENOENT, "нет такого файла или каталога"},
+    {ENOMEM, "не хватает памяти"},
+    {ENOSPC, "на устройстве не осталось места"},
+    {ENOTDIR, "это не каталог"},
+    {ENOTSOCK, "это не сокет"},
+    {ENOTTY, "устройство не поддерживает этого"},
+    {ENXIO, "за этим файлом нет устройства"},
+    {EPERM, "действие не разрешено"},
+    {EPIPE, "канал закрыт"},
+    {EPROTO, "ошибка протокола"},
+    {EPROTOTYPE, "сокет другого вида"},
+    {EROFS, "файловая система только для чтения"},
+    {ETIMEDOUT, "время ожидания истекло"},
 };
-
-constexpr Text kError = {"error ", "ошибка "};
 
 constexpr bool kIs64Bit = sizeof(void*) == 8;
 constexpr Text kOtherWordSize = {kIs64Bit ? "is a 32-bit library, and this program is 64-bit"
@@ -75,8 +73,10 @@ constexpr std::pair<std::string_view, Text> kLoaderTexts[] = {
 std::string describe(int error) {
   const auto* const known = std::find_if(std::begin(kErrors), std::end(kErrors),
                                          [&](const ErrorText& row) { return row.error == error; });
-  if (known != std::end(kErrors)) return say(known->text);
-  return say(kError) + std::to_string(error);
+  const std::string russian =
+      known == std::end(kErrors) ? "ошибка " + std::to_string(error) : known->russian;
+  const std::string english = std::generic_category().message(error);
+  return say({english.c_str(), russian.c_str()});
 }
 
 std::string messageOf(const std::exception& error) {
@@ -103,8 +103,10 @@ std::string whyNotLoaded(const std::string& library, std::string_view loaderText
     return start + say(kNeeds) + std::string(loaderText.substr(0, at));
   }
   // The rest are errors of reading the file, which end in the C library's text for them.
-  for (const auto& [error, text] : kErrors) {
-    if (loaderText.ends_with(text.english)) return start + say(text);
+  for (const ErrorText& row : kErrors) {
+    if (loaderText.ends_with(std::generic_category().message(row.error))) {
+      return start + describe(row.error);
+    }
   }
   return std::string(loaderText);
 }

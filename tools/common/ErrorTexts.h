@@ -8,7 +8,7 @@
 
 namespace terminal {
 
-// What an errno value means.
+// What an errno value means; in Russian a rare one is only a number.
 std::string describe(int error);
 
 // The message of an exception; that of a std::system_error with the system's part translated.

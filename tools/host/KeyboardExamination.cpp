@@ -120,8 +120,7 @@ Findings keyboardObstacles(XDisplay& display, const std::string& formName) {
 }
 
 Findings waylandWarnings(XDisplay& display) {
-  const bool isWayland = display ? display.isXwayland() : environmentIsWayland();
-  if (!isWayland) return {};
+  if (!display.isXwayland() && !environmentIsWayland()) return {};
   std::string name = "xwayland-keyboard:…";
   for (const XInputDevice& device : display.devices()) {
     if (device.isKeyboard) name = device.name;

@@ -13,7 +13,7 @@ namespace terminal {
 Findings keyboardObstacles(XDisplay& display, const std::string& formName);
 
 // The session is a Wayland one, whose compositor decides which keys the X server gets; empty
-// otherwise. Without a display the environment tells.
+// otherwise. The server tells, or else the environment.
 Findings waylandWarnings(XDisplay& display);
 
 // A window of another program has the focus; empty otherwise.

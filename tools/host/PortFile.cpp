@@ -44,19 +44,6 @@ bool isCanonicalNumber(std::string_view digits) {
 // The links that a kernel follows at most.
 constexpr int kLongestChain = 40;
 
-std::optional<std::int32_t> portBehind(fs::path file) {
-  std::error_code error;
-  for (int links = 0; links < kLongestChain; ++links) {
-    // The folder may itself be reached by links; the last name is looked at as it is.
-    file = fs::weakly_canonical(file.parent_path(), error) / file.filename();
-    if (const auto port = portOfName(file.lexically_normal().string())) return port;
-    const fs::path target = fs::read_symlink(file, error);
-    if (error) return std::nullopt;
-    file = file.parent_path() / target;
-  }
-  return std::nullopt;
-}
-
 // Whether the text is meant as a file: a number has no slash, and no file stands under its name.
 bool namesFile(const std::string& text) {
   std::error_code error;
@@ -79,6 +66,19 @@ std::optional<std::int32_t> portOfName(const std::string& file) {
     if (!isCanonicalNumber(digits)) continue;
     const std::int32_t number = std::stoi(digits);
     if (number < family.files) return family.base + number + 1;
+  }
+  return std::nullopt;
+}
+
+std::optional<std::int32_t> portBehind(fs::path file) {
+  std::error_code error;
+  for (int links = 0; links < kLongestChain; ++links) {
+    // The folder may itself be reached by links; the last name is looked at as it is.
+    file = fs::weakly_canonical(file.parent_path(), error) / file.filename();
+    if (const auto port = portOfName(file.lexically_normal().string())) return port;
+    const fs::path target = fs::read_symlink(file, error);
+    if (error) return std::nullopt;
+    file = file.parent_path() / target;
   }
   return std::nullopt;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,9 +14,12 @@ std::string portFile(std::int32_t port);
 // The number of a device file by its own name, such as /dev/ttyUSB0. Nothing for any other name.
 std::optional<std::int32_t> portOfName(const std::string& file);
 
-// The number that a person names by itself or by a device file. A file is followed link by link
-// until a port's name is met, so that the stable names in /dev/serial/by-id lead to their port.
-// Throws UsageError.
+// The number of the first port met on the way from a file, link by link. Nothing when the way ends
+// elsewhere.
+std::optional<std::int32_t> portBehind(std::filesystem::path file);
+
+// The number that a person names by itself or by a device file, which may be a link: the stable
+// names in /dev/serial/by-id lead to their port. Throws UsageError.
 std::int32_t portFrom(const std::string& numberOrFile);
 
 // What the settings form and the test window call a port.

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <system_error>
 
-#include "tools/common/CommandLine.h"
 #include "tools/host/PortFile.h"
 
 namespace terminal {
@@ -48,15 +47,14 @@ Product productOf(std::int32_t port, const std::string& ttyClass) {
 }
 
 std::string stableLinkOf(std::int32_t port) {
+  std::string first;
   std::error_code error;
   fs::directory_iterator entry("/dev/serial/by-id", error);
   for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    try {
-      if (portFrom(entry->path().string()) == port) return entry->path().string();
-    } catch (const UsageError&) {  // leads elsewhere
-    }
+    const std::string link = entry->path().string();
+    if (portBehind(link) == port && (first.empty() || link < first)) first = link;
   }
-  return {};
+  return first;
 }
 
 }  // namespace terminal

@@ -20,8 +20,8 @@ struct Product {
 // The device behind a port, looked up in sysfs.
 Product productOf(std::int32_t port, const std::string& ttyClass = "/sys/class/tty");
 
-// The link in /dev/serial/by-id that leads to the port, wherever it is plugged in; empty without
-// one.
+// The link in /dev/serial/by-id that leads to the port, wherever it is plugged in; of several the
+// first by name, empty without one.
 std::string stableLinkOf(std::int32_t port);
 
 }  // namespace terminal

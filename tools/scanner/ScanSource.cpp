@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -90,10 +89,7 @@ ScanSource::ScanSource(const ScanOptions& options, Arguments texts)
     return;
   }
   file_ = openSource(options.file);
-  struct stat kind;
-  const bool isDirectory = file_ && fstat(file_.get(), &kind) == 0 && S_ISDIR(kind.st_mode);
-  if (file_ && !isDirectory) return;
-  throw std::system_error(isDirectory ? EISDIR : errno, std::generic_category(), options.file);
+  if (!file_) throw std::system_error(errno, std::generic_category(), options.file);
 }
 
 std::optional<std::string> ScanSource::nextBurst(const EndSignals& end) {
