@@ -7,70 +7,10 @@
 #include "tools/host/LineModel.h"
 #include "tools/host/PortFile.h"
 #include "tools/host/SerialFindings.h"
+#include "tools/host/SerialVerdictTexts.h"
 
 namespace terminal {
 namespace {
-
-constexpr FindingText kNoBytes = {
-    "no-bytes",
-    {"nothing came from {file}", "с {file} ничего не пришло"},
-    {"check that the scanner beeps, that it is in serial (not keyboard) mode, its cable, and that "
-     "it is this port: quorvel-host test shows all ports at once",
-     "проверьте, что сканер пищит, что он в режиме последовательного порта (а не клавиатуры), "
-     "кабель и тот ли это порт: quorvel-host test показывает все порты сразу"}};
-constexpr FindingText kUnplugged = {
-    "unplugged",
-    {"{file} was unplugged meanwhile", "{file} тем временем отключили"},
-    {"plug it in again, and look at the cable and at the hub's power",
-     "подключите его снова, проверьте кабель и питание концентратора"}};
-constexpr FindingText kNoEnd = {
-    "no-end",
-    {"the scan {bytes} does not contain its end, the character {suffix}",
-     "в скане {bytes} нет его конца, символа {suffix}"},
-    {"--set Suffix={end}", "--set Suffix={end}"}};
-constexpr FindingText kPieces = {
-    "line-raw",
-    {"the scan came in {count} pieces on a raw line, and the driver drops an unfinished one",
-     "скан пришёл по частям ({count}) по линии без сборки (raw), а незаконченную часть драйвер "
-     "отбрасывает"},
-    {"{command}", "{command}"}};
-constexpr FindingText kOtherEnd = {
-    "line-framed-other-end",
-    {"the line is framed by the character {frame}, but the scan {bytes} ends in {end}: the line "
-     "never hands it over",
-     "линия собирает скан до символа {frame}, но скан {bytes} заканчивается на {end}: линия его не "
-     "передаёт"},
-    {"set the scanner to end each scan with carriage return (13)",
-     "настройте сканер заканчивать каждый скан возвратом каретки (13)"}};
-constexpr FindingText kOtherSuffix = {
-    "line-framed-other-end",
-    {"the framed line hands over the scan {bytes}, but with the suffix {suffix} the driver waits "
-     "for another end",
-     "линия передаёт скан {bytes}, но с суффиксом {suffix} драйвер ждёт другого конца"},
-    {"--set Suffix={end}", "--set Suffix={end}"}};
-constexpr FindingText kCookedAway = {
-    "line-cooked",
-    {"the line {file} is cooked, as a terminal's: of the scan {bytes} it makes {seen}",
-     "линия {file} в режиме терминала (cooked): из скана {bytes} она делает {seen}"},
-    {"{command}", "{command}"}};
-constexpr FindingText kCookedEnd = {
-    "line-cooked",
-    {"the line {file} is cooked, as a terminal's: it ends the scan {bytes} with a line feed, not "
-     "with the character {suffix}",
-     "линия {file} в режиме терминала (cooked): скан {bytes} в ней заканчивается переводом строки, "
-     "а не символом {suffix}"},
-    {"{command}; or --set Suffix=10", "{command}; либо --set Suffix=10"}};
-constexpr FindingText kCut = {
-    "cut",
-    {"the scan has {count} bytes, and the line keeps 4095 at most: the end is lost",
-     "в скане {count} байтов, а линия хранит не больше 4095: конец теряется"},
-    {"use a raw line: stty -F {file} raw", "сделайте линию raw: stty -F {file} raw"}};
-constexpr FindingText kNotUtf8 = {
-    "not-utf8",
-    {"the scan {bytes} is not UTF-8, and bytes of it would be lost in a text",
-     "скан {bytes} не в UTF-8, и часть его байтов в тексте пропала бы"},
-    {"--set OutputDataType=2 for base64; or set the scanner to UTF-8, and check its speed",
-     "--set OutputDataType=2 для base64; либо настройте сканер на UTF-8 и проверьте скорость"}};
 
 constexpr Text kNothing = {"nothing", "ничем"};
 
@@ -110,8 +50,8 @@ class Judge {
 
   Verdict verdict() && {
     if (sample_.isUnplugged) add(kUnplugged);
-    if (bytes_.empty()) {
-      if (!sample_.isUnplugged) add(kNoBytes);
+    if (bytes_.empty() || isOnlyEnds(bytes_)) {
+      if (!sample_.isUnplugged) add(bytes_.empty() ? kNoBytes : kOnlyAnEnd);
       return std::move(verdict_);
     }
     switch (kindOf(setting_)) {
@@ -143,11 +83,17 @@ class Judge {
                {"command", framingCommand(port_)}}));
   }
 
+  // Whether the driver makes no message of the bytes: an end with nothing before it is none.
+  bool isOnlyEnds(const std::string& bytes) const {
+    return !end_.empty() && bytes.find_first_not_of(end_) == bytes.npos;
+  }
+
   // Up to the end byte; nothing without one, everything where no end is asked for.
   std::optional<std::string> messageIn(const std::string& bytes) const {
     if (end_.empty()) return bytes;
-    const std::size_t end = bytes.find(end_);
-    return end == bytes.npos ? std::nullopt : std::optional(bytes.substr(0, end));
+    const std::size_t start = bytes.find_first_not_of(end_);
+    const std::size_t end = bytes.find(end_, start);
+    return end == bytes.npos ? std::nullopt : std::optional(bytes.substr(start, end - start));
   }
 
   void judgeRaw() {
@@ -166,9 +112,11 @@ class Judge {
     }
   }
 
-  static std::optional<std::string> firstLine(const LineOutput& output) {
-    if (output.available.empty()) return std::nullopt;
-    return output.available.front();
+  std::optional<std::string> firstLine(const LineOutput& output) const {
+    for (const std::string& line : output.available) {
+      if (!isOnlyEnds(line)) return line;
+    }
+    return std::nullopt;
   }
 
   void judgeFramed() {
