@@ -19,7 +19,8 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 constexpr char kGroupSeparator = 29;
-constexpr milliseconds kSilence{700};
+// A wireless scanner may pause within a scan.
+constexpr milliseconds kSilence{1500};
 constexpr milliseconds kStep{1000};
 
 // Keys that type no character, in the order of the values of GSSymbolKey.
