@@ -12,7 +12,6 @@ ROOT = Path(os.environ["QUORVEL_SOURCES"])
 
 # Each in English and in Russian.
 PAIRS = ["README", "docs/guide", "docs/integration", "docs/unplugging"]
-OTHERS = ["CONTRIBUTING", "docs/building", "docs/design", "docs/licences"]
 
 
 @dataclass
@@ -120,8 +119,9 @@ def read(name):
 
 @cache
 def all_documents():
-    pairs = [name + language for name in PAIRS for language in ("", ".ru")]
-    return {name: read(name) for name in pairs + OTHERS}
+    files = [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")]
+    names = sorted(str(file.relative_to(ROOT).with_suffix("")) for file in files)
+    return {name: read(name) for name in names if name != "CHANGELOG"}
 
 
 @cache
