@@ -31,7 +31,9 @@ std::string refusalOf(const std::string& library) {
 TEST(ErrorTexts, EnglishOnesAreTheSystems) {
   const rig::ScopedVariable language("LC_ALL", "C.UTF-8");
   for (int error = 1; error <= kLastError; ++error) {
-    EXPECT_EQ(describe(error), std::strerror(error));
+    // A copy: describing the error may reuse the memory of strerror's text.
+    const std::string expected = std::strerror(error);
+    EXPECT_EQ(describe(error), expected);
   }
 }
 
