@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -29,11 +30,14 @@ using testing::Not;
 std::string completions() { return std::getenv("QUORVEL_COMPLETIONS"); }
 
 // With what bash completes the last of the words after the program's name.
-std::vector<std::string> completions(const Words& words) {
+std::vector<std::string> completions(const Words& words,
+                                     const std::string& program = rig::hostPath()) {
+  const std::string name = std::filesystem::path(program).filename();
   Words command = {"bash", "-c",
-                   "source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _quorvel_host; "
+                   "source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); "
+                   "read -r _ _ function _ < <(complete -p \"${1##*/}\"); $function; "
                    "printf '%s\\n' \"${COMPREPLY[@]}\"",
-                   completions() + "/quorvel-host.bash", rig::hostPath()};
+                   completions() + "/" + name + ".bash", program};
   command.insert(command.end(), words.begin(), words.end());
   std::istringstream lines(rig::outputOf(command));
   std::vector<std::string> answers;
@@ -41,21 +45,22 @@ std::vector<std::string> completions(const Words& words) {
   return answers;
 }
 
-// What zsh makes of a command line, whose program is the tool.
-std::string completedByZsh(const std::string& arguments) {
+// What zsh makes of the program's command line.
+std::string completedByZsh(const std::string& arguments,
+                           const std::string& program = rig::hostPath()) {
   const rig::ScratchFolder folder;
   const std::string answer = folder.path() / "answer";
   // Completion needs a terminal.
   const Words words = {"script", "--quiet", "--return", "--command", "zsh -i", "/dev/null"};
   const rig::Ending ending = rig::run(words, {{"ZDOTDIR", std::getenv("QUORVEL_ZSH_STARTUP")},
                                               {"COMPLETIONS", completions()},
-                                              {"LINE", rig::hostPath() + " " + arguments},
+                                              {"LINE", program + " " + arguments},
                                               {"ANSWER", answer},
                                               {"TERM", "dumb"}});
   std::ifstream file(answer);
   std::string line;
   EXPECT_TRUE(std::getline(file, line)) << ending.output;
-  return line.substr(std::min(line.size(), rig::hostPath().size() + 1));
+  return line.substr(std::min(line.size(), program.size() + 1));
 }
 
 TEST(Completion, ByZsh) {
@@ -93,6 +98,17 @@ TEST(Completion, KeyboardsOfTheServer) {
   const rig::XServer server({"Honeywell Scanner", "Keys"});
   const rig::ScopedVariable display("DISPLAY", server.display());
   EXPECT_THAT(completions({"listen", "--keyboard", "Honey"}), ElementsAre("Honeywell\\ Scanner"));
+}
+
+TEST(Completion, OfTheScanner) {
+  const std::string scanner = rig::scannerPath();
+  EXPECT_THAT(completions({""}, scanner), IsSupersetOf({"serial", "keyboard", "--version"}));
+  EXPECT_THAT(completions({"serial", "--li"}, scanner), ElementsAre("--link", "--line"));
+  EXPECT_THAT(completions({"serial", "--line", "r"}, scanner), ElementsAre("raw"));
+  EXPECT_THAT(completions({"keyboard", "--"}, scanner), Not(Contains("--link")));
+  EXPECT_EQ(completedByZsh("key", scanner), "keyboard ");
+  EXPECT_EQ(completedByZsh("serial --line coo", scanner), "serial --line cooked ");
+  EXPECT_EQ(completedByZsh("serial --no", scanner), "serial --no-wait ");
 }
 
 }  // namespace
