@@ -11,8 +11,8 @@ namespace {
 constexpr Text kReceived = {"received: ", "получено: "};
 constexpr Text kOk = {"ok: the driver delivers this scan whole: ",
                       "ok: драйвер передаёт этот скан целиком: "};
-constexpr Text kNothingInTheWay = {"nothing is in the way; no scan was waited for",
-                                   "помех нет; скана не ждали"};
+constexpr Text kNothingInTheWay = {"nothing is in the way; no scan has come yet",
+                                   "помех нет; скана пока не было"};
 
 Json orNull(const std::optional<std::string>& text) { return text ? Json(*text) : Json(); }
 
