@@ -40,6 +40,7 @@ class Program {
   std::string line();
   std::string errorLine();
 
+  pid_t process() const { return process_; }
   void signal(int number);
 
   // Waits until it ends by itself. The result has the output that was not yet read. Throws when it

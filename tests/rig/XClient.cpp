@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "tests/rig/Patience.h"
+
 namespace rig {
 namespace {
 
@@ -46,7 +48,12 @@ Window XClient::openWindow(Window parent) {
   const Window window = XCreateSimpleWindow(get(), parent, 0, 0, 50, 50, 0, 0, 0);
   XSelectInput(get(), window, KeyPressMask);
   XMapWindow(get(), window);
-  XSync(get(), False);
+  // A window manager shows a window in its own time.
+  await("a visible window", [&] {
+    XWindowAttributes attributes = {};
+    return XGetWindowAttributes(get(), window, &attributes) != 0 &&
+           attributes.map_state == IsViewable;
+  });
   return window;
 }
 
@@ -65,6 +72,21 @@ void XClient::setProcess(Window window, pid_t process) {
 void XClient::focus(Window window, int revertTo) {
   XSetInputFocus(get(), window, revertTo, CurrentTime);
   XSync(get(), False);
+}
+
+bool XClient::hasFocus(pid_t process) {
+  Window window = None;
+  int revertTo = 0;
+  XGetInputFocus(get(), &window, &revertTo);
+  if (window == None || window == PointerRoot) return false;
+  Atom type = None;
+  int format = 0;
+  unsigned long count = 0, left = 0;
+  unsigned char* value = nullptr;
+  XGetWindowProperty(get(), window, XInternAtom(get(), "_NET_WM_PID", False), 0, 1, False,
+                     XA_CARDINAL, &type, &format, &count, &left, &value);
+  const std::unique_ptr<unsigned char, decltype(&XFree)> owner(value, &XFree);
+  return count == 1 && *reinterpret_cast<const long*>(value) == process;
 }
 
 void XClient::focusOf(int keyboard, Window window) {

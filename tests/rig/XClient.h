@@ -33,6 +33,9 @@ class XClient {
   // away.
   void focus(Window window, int revertTo = RevertToPointerRoot);
 
+  // Whether the window that has the focus carries this process in its _NET_WM_PID property.
+  bool hasFocus(pid_t process);
+
   // Gives the focus of just one master keyboard to a visible window.
   void focusOf(int keyboard, Window window);
 

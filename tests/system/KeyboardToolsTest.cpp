@@ -116,6 +116,8 @@ TEST_F(KeyboardToolsTest, TheHostSaysWhenTheKeyboardGoesAndWhenItIsBack) {
 
 TEST_F(KeyboardToolsTest, WithAWindowOfItsOwnTheHostHearsTheScanner) {
   const rig::Program manager({"matchbox-window-manager"});
+  // It takes over the windows that are there when it starts, and they lose the focus.
+  rig::await("the window manager", [] { return rig::run({"wmctrl", "-m"}).code == 0; });
   const pid_t other = std::stoi(rig::outputOf({"sh", "-c", "echo $$"}));
   rig::XClient client(server_.display());
   const Window outer = client.openWindow();
@@ -128,6 +130,7 @@ TEST_F(KeyboardToolsTest, WithAWindowOfItsOwnTheHostHearsTheScanner) {
     return rig::run({"wmctrl", "-a", text}, {{"LC_ALL", "C.UTF-8"}}).code == 0;
   };
   rig::await("the host's window", [&] { return title("quorvel-host: click here"); });
+  rig::await("the focus", [&] { return client.hasFocus(host.process()); });
   terminal::type(server_.keyboard(0), "4600051000057\r");
   EXPECT_EQ(nlohmann::json::parse(host.line())["data"], "4600051000057");
   // The window shows the last scan, and closing it ends the host.
