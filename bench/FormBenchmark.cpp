@@ -8,6 +8,7 @@
 
 #include "bench/BareListing.h"
 #include "bench/Measure.h"
+#include "bench/Report.h"
 #include "tests/rig/DeviceFiles.h"
 #include "tests/rig/Driver.h"
 #include "tests/rig/Environment.h"
@@ -48,16 +49,19 @@ void formAgainstBareListing(benchmark::State& state) {
     if (!formFirst) takeForm();
     state.SetIterationTime(form.back());
   }
-  state.counters["form_ms"] = 1000 * bench::medianOf(form);
-  state.counters["bare_ms"] = 1000 * bench::medianOf(bare);
-  state.counters["ratio"] = bench::medianOf(form) / bench::medianOf(bare);
+  bench::report({.what = "GetParameters",
+                 .reference = "three find runs and one X listing",
+                 .unit = "ms",
+                 .own = 1000 * bench::medianOf(form),
+                 .ofReference = 1000 * bench::medianOf(bare),
+                 .atMost = 1.05});
 }
 BENCHMARK(formAgainstBareListing)
     ->Name("GetParameters")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
-    ->Iterations(500);
+    ->Iterations(bench::repetitions(500));
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) { return bench::run(argc, argv); }

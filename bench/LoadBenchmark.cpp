@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "bench/Measure.h"
+#include "bench/Report.h"
 #include "tests/rig/Program.h"
 
 namespace {
@@ -97,22 +98,27 @@ void loadAgainstXLibraries(benchmark::State& state) {
     state.SetIterationTime(own.seconds.back());
   }
   using bench::medianOf;
-  state.counters["time_ratio"] = medianOf(own.seconds) / medianOf(bare.seconds);
-  state.counters["resident_ratio"] = medianOf(own.resident) / medianOf(bare.resident);
-  state.counters["dirty_ratio"] = medianOf(own.dirty) / medianOf(bare.dirty);
-  state.counters["resident_kB"] = medianOf(own.resident);
+  const auto report = [](const std::string& what, const std::string& unit, double factor,
+                         const std::vector<double>& ofOwn, const std::vector<double>& ofBare) {
+    bench::report({.what = "dlopen, " + what,
+                   .reference = "libX11 and libXi alone",
+                   .unit = unit,
+                   .own = factor * medianOf(ofOwn),
+                   .ofReference = factor * medianOf(ofBare)});
+  };
+  report("CPU time", "ms", 1000, own.seconds, bare.seconds);
+  report("memory", "kB", 1, own.resident, bare.resident);
+  report("memory of its own", "kB", 1, own.dirty, bare.dirty);
 }
 BENCHMARK(loadAgainstXLibraries)
     ->Name("dlopen")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond)
-    ->Iterations(100);
+    ->Iterations(bench::repetitions(100));
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc > 2 && std::string_view(argv[1]) == kLoad) return load({argv + 2, argv + argc});
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
+  return bench::run(argc, argv);
 }

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/Report.h"
+
 namespace bench {
 
 inline double percentileOf(std::vector<double> values, double percent) {
@@ -35,12 +37,19 @@ double processorSecondsOf(const Work& work, std::int64_t times) {
   return processorSeconds() - start;
 }
 
-// Runs `own` and `reference`, `times` times in each iteration, and puts how many times as fast as
-// the reference the own work is into the counter `name`. The two take turns, so that whatever else
-// the machine does slows both.
+// What is compared, and how many times as fast as the reference it is to be.
+struct Speed {
+  std::string what;
+  std::string reference;
+  double aim;
+};
+
+// Runs `own` and `reference`, `times` times in each iteration, and reports how fast they get
+// through the `bytes` that each run takes. The two take turns, so that whatever else the machine
+// does slows both.
 template <typename Own, typename Reference>
-void compareSpeed(benchmark::State& state, const std::string& name, std::int64_t times,
-                  const Own& own, const Reference& reference) {
+void compareSpeed(benchmark::State& state, const Speed& speed, std::int64_t times,
+                  std::int64_t bytes, const Own& own, const Reference& reference) {
   std::vector<double> ownSeconds;
   std::vector<double> referenceSeconds;
   for (auto iteration : state) {
@@ -48,7 +57,13 @@ void compareSpeed(benchmark::State& state, const std::string& name, std::int64_t
     referenceSeconds.push_back(processorSecondsOf(reference, times));
     state.SetIterationTime(ownSeconds.back() / static_cast<double>(times));
   }
-  state.counters[name] = medianOf(referenceSeconds) / medianOf(ownSeconds);
+  const double megabytes = 1e-6 * static_cast<double>(times * bytes);
+  report({.what = speed.what,
+          .reference = speed.reference,
+          .unit = "MB/s",
+          .own = megabytes / medianOf(ownSeconds),
+          .ofReference = megabytes / medianOf(referenceSeconds),
+          .atLeast = speed.aim});
 }
 
 }  // namespace bench

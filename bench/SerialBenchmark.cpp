@@ -13,6 +13,7 @@
 #include "bench/AllocationCount.h"
 #include "bench/BareSerialReader.h"
 #include "bench/Measure.h"
+#include "bench/Report.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
 #include "tools/common/HostText.h"
@@ -93,13 +94,13 @@ class SideBySide {
   Reader bare{driver_.plugIn(kUsb2)};
 };
 
-void compare(benchmark::State& state, const std::string& name, const std::vector<double>& driven,
-             const std::vector<double>& bare, double percent = 50) {
-  const double ofDriver = bench::percentileOf(driven, percent);
-  const double ofBare = bench::percentileOf(bare, percent);
-  state.counters[name + "_driver"] = ofDriver;
-  state.counters[name + "_bare"] = ofBare;
-  state.counters[name + "_ratio"] = ofDriver / ofBare;
+// A percentile of each, with the unit and the aim of `figure`.
+void report(bench::Figure figure, const std::vector<double>& driven,
+            const std::vector<double>& bare, double percent = 50) {
+  figure.reference = "bare reader";
+  figure.own = bench::percentileOf(driven, percent);
+  figure.ofReference = bench::percentileOf(bare, percent);
+  bench::report(figure);
 }
 
 // The two take turns, so that whatever else the machine does meets both alike.
@@ -110,10 +111,17 @@ void latency(benchmark::State& state) {
     test.measureLatency(test.bare);
     state.SetIterationTime(test.driven.latencies.back() / 1e6);
   }
-  compare(state, "p50_us", test.driven.latencies, test.bare.latencies, 50);
-  compare(state, "p99_us", test.driven.latencies, test.bare.latencies, 99);
+  const std::vector<double>& driven = test.driven.latencies;
+  const std::vector<double>& bare = test.bare.latencies;
+  report({.what = "serial latency, p50", .unit = "µs", .atMost = 1.05}, driven, bare, 50);
+  report({.what = "serial latency, p99", .unit = "µs", .atMost = 1.2}, driven, bare, 99);
+  bench::reportDistribution("serial-latency", "the driver", driven);
+  bench::reportDistribution("serial-latency", "bare reader", bare);
 }
-BENCHMARK(latency)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(2000);
+BENCHMARK(latency)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
+    ->Iterations(bench::repetitions(2000));
 
 void manyScans(benchmark::State& state) {
   SideBySide test;
@@ -122,12 +130,18 @@ void manyScans(benchmark::State& state) {
     test.measureBatch(test.bare);
     state.SetIterationTime(1 / test.driven.throughput.back());
   }
-  compare(state, "scans_per_s", test.driven.throughput, test.bare.throughput);
-  compare(state, "cpu_us", test.driven.processor, test.bare.processor);
-  compare(state, "allocations", test.driven.allocations, test.bare.allocations);
+  report({.what = "serial throughput", .unit = "scans/s", .atLeast = 0.95}, test.driven.throughput,
+         test.bare.throughput);
+  report({.what = "CPU time per scan", .unit = "µs", .atMost = 1.15}, test.driven.processor,
+         test.bare.processor);
+  report({.what = "allocations per scan, the host's included", .unit = ""}, test.driven.allocations,
+         test.bare.allocations);
 }
-BENCHMARK(manyScans)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(40);
+BENCHMARK(manyScans)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
+    ->Iterations(bench::repetitions(100));
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) { return bench::run(argc, argv); }

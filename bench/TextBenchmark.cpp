@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "bench/Measure.h"
+#include "bench/Report.h"
 #include "util/DeviceNames.h"
 #include "util/HumanReadable.h"
 
@@ -37,13 +38,19 @@ void copyByByte(const std::string& text) {
   }
 }
 
+template <typename Own>
+void compareWithCopy(benchmark::State& state, const std::string& what, const std::string& text,
+                     const Own& own) {
+  bench::compareSpeed(state, {.what = what, .reference = "a loop that copies", .aim = 0.5}, 1,
+                      kSize, own, [&] { copyByByte(text); });
+}
+
 void readableForm(benchmark::State& state) {
   const std::string text = scans();
-  bench::compareSpeed(
-      state, "times_copy", 1, [&] { benchmark::DoNotOptimize(quorvel::raw2HRS(text).data()); },
-      [&] { copyByByte(text); });
+  compareWithCopy(state, "readable form, 1 MB", text,
+                  [&] { benchmark::DoNotOptimize(quorvel::raw2HRS(text).data()); });
 }
-BENCHMARK(readableForm)->UseManualTime()->Iterations(200);
+BENCHMARK(readableForm)->UseManualTime()->Iterations(bench::repetitions(200));
 
 void trimXMLIllegalChars(benchmark::State& state) {
   const std::string text = scans();
@@ -51,10 +58,10 @@ void trimXMLIllegalChars(benchmark::State& state) {
     std::string copy = text;
     benchmark::DoNotOptimize(quorvel::TrimXMLIllegalChars(copy));
   };
-  bench::compareSpeed(state, "times_copy", 1, trimCopy, [&] { copyByByte(text); });
+  compareWithCopy(state, "TrimXMLIllegalChars, 1 MB", text, trimCopy);
 }
-BENCHMARK(trimXMLIllegalChars)->UseManualTime()->Iterations(200);
+BENCHMARK(trimXMLIllegalChars)->UseManualTime()->Iterations(bench::repetitions(200));
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) { return bench::run(argc, argv); }

@@ -97,10 +97,6 @@ SCENARIOS = {
     "cmake --build --preset lin32": Leave(BUILDS),
     "cmake --preset lin32 && cmake --build --preset lin32": Leave(BUILDS),
     "cmake --build --preset lin32 --target pictures": Leave("overwrites the pictures"),
-    "cmake --build --preset lin32 --target run_bench_form": Leave("measures for minutes"),
-    "cmake --build --preset lin32 --target run_bench_keyboard": Leave("measures for minutes"),
-    "cmake --build --preset lin32 --target run_bench_load": Leave("measures for minutes"),
-    "cmake --build --preset lin32 --target run_bench_base64": Leave("measures for minutes"),
     "cmake --install build/lin32 --prefix /usr/local":
         Leave("installs, which another test does to a folder of its own"),
     "sudo cmake --install build/lin32 --prefix /usr/local":
