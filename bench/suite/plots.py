@@ -14,9 +14,14 @@ class Plot:
     style: str = "lines linewidth 2"
 
 
+PORTS = "number of ports"
+AT_EACH = {"settings": "set logscale x 2\nset yrange [0:]", "style": "linespoints linewidth 2"}
 LATENCY = ("microseconds", "percent of the scans", "set logscale x")
 PLOTS = {
     "serial-latency": Plot("Serial port: from the last byte of a scan to its event", *LATENCY),
+    "readers-latency": Plot("Serial port, beside programs in other languages", *LATENCY),
+    "ports-latency": Plot("A scan while many ports are open", PORTS, "microseconds", **AT_EACH),
+    "ports-memory": Plot("Memory while many ports are open", PORTS, "kilobytes", **AT_EACH),
     "keyboard-latency": Plot("Keyboard: from the end key of a scan to its event", *LATENCY),
 }
 

@@ -17,7 +17,11 @@ NODE_MODULES = ROOT / "build/bench/node_modules"
 # In the order of the table.
 BENCHMARKS = {
     "serial": "a scan on a serial port, beside a bare reader",
+    "readers": "the same, beside python3-serial and node's serialport",
+    "ports": "many ports open, beside a single one",
     "keyboard": "a scan that is typed, beside a bare client",
+    "delivery": "from a scan to the host's event, beside the copies it cannot avoid",
+    "idle": "devices that nobody scans with, beside threads making the same waits",
     "base64": "the coder, beside GLib's",
     "text": "the readable form, beside a loop that copies",
     "form": "the settings form, beside listing the devices",

@@ -24,7 +24,7 @@ set(shared_header util/Handles.h)
 
 # These reach inside.
 set(inside bench fuzz)
-set(bench_may ${tests/rig_may} util bench)
+set(bench_may ${tests/rig_may} ${addin_may} bench)
 set(fuzz_may ${addin_may} tools fuzz)
 foreach(room IN LISTS rooms)
   # A test sees what its room sees, and the fixtures of the rooms below.
