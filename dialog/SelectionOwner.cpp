@@ -122,18 +122,38 @@ void SelectionOwner::prepareAnswers() {
   answers_.push_back({atoms_[kTargets], XCB_ATOM_ATOM, 32, bytesOf(targets)});
 }
 
+// XCB keeps every event that it reads, and reads whenever it writes. A program that asks faster
+// than it can be answered would fill the host's memory.
 void SelectionOwner::serve() {
-  while (const XcbOwned<xcb_generic_event_t> event{xcb_wait_for_event(connection_.get())}) {
-    switch (event->response_type) {
-      case XCB_SELECTION_REQUEST:
-        answer(*reinterpret_cast<const xcb_selection_request_event_t*>(event.get()));
-        break;
-      case XCB_SELECTION_CLEAR:
-        return;
-      default:  // including errors caused by requestors that have vanished
-        break;
+  using Event = XcbOwned<xcb_generic_event_t>;
+  xcb_connection_t* const connection = connection_.get();
+  while (!cleared_ || !requests_.empty()) {
+    if (requests_.empty()) {
+      xcb_flush(connection);
+      const Event event(xcb_wait_for_event(connection));
+      if (!event) return;
+      keep(*event);
     }
+    while (const Event event{xcb_poll_for_queued_event(connection)}) keep(*event);
+    if (requests_.empty()) continue;
+    const xcb_selection_request_event_t request = requests_.front();
+    requests_.pop_front();
+    answer(request);
   }
+  xcb_flush(connection);
+}
+
+// All other events, among them errors caused by requestors that have vanished, say nothing. Of one
+// requestor no more than a few requests are kept, so that others are answered beside a flood.
+void SelectionOwner::keep(const xcb_generic_event_t& event) {
+  constexpr std::size_t kMost = 1000;
+  constexpr std::ptrdiff_t kMostOfOne = 50;
+  if (event.response_type == XCB_SELECTION_CLEAR) cleared_ = true;
+  if (event.response_type != XCB_SELECTION_REQUEST || requests_.size() >= kMost) return;
+  const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(event);
+  const auto waiting =
+      std::ranges::count(requests_, request.requestor, &xcb_selection_request_event_t::requestor);
+  if (waiting < kMostOfOne) requests_.push_back(request);
 }
 
 void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
@@ -152,7 +172,6 @@ void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
   static_assert(sizeof notice <= sizeof event);
   std::memcpy(event, &notice, sizeof notice);
   xcb_send_event(connection_.get(), false, request.requestor, XCB_EVENT_MASK_NO_EVENT, event);
-  xcb_flush(connection_.get());
 }
 
 bool SelectionOwner::convert(const xcb_selection_request_event_t& request, xcb_atom_t property) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ class SelectionOwner {
   xcb_timestamp_t serverTime();
   bool fits() const;
   void prepareAnswers();
+  void keep(const xcb_generic_event_t& event);
   void answer(const xcb_selection_request_event_t& request);
   bool convert(const xcb_selection_request_event_t& request, xcb_atom_t property);
   bool convertOne(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
@@ -51,6 +53,8 @@ class SelectionOwner {
   xcb_window_t window_ = XCB_NONE;
   xcb_timestamp_t since_ = XCB_CURRENT_TIME;  // when ownership began
   std::vector<Answer> answers_;
+  std::deque<xcb_selection_request_event_t> requests_;  // not answered yet
+  bool cleared_ = false;                                // another program has taken the clipboard
 };
 
 }  // namespace quorvel

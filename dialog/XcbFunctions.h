@@ -23,6 +23,7 @@
   X(xcb_get_setup)                  \
   X(xcb_intern_atom)                \
   X(xcb_intern_atom_reply)          \
+  X(xcb_poll_for_queued_event)      \
   X(xcb_send_event)                 \
   X(xcb_set_selection_owner)        \
   X(xcb_setup_roots_iterator)       \

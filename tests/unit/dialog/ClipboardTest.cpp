@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "dialog/Clipboard.h"
+#include "dialog/SelectionOwner.h"
 #include "tests/rig/Driver.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/Threads.h"
@@ -56,8 +57,21 @@ class Requestor {
   }
 
   bool request(xcb_atom_t target, xcb_atom_t property, xcb_timestamp_t time = XCB_CURRENT_TIME) {
-    xcb_convert_selection(connection_, window_, atom("CLIPBOARD"), target, property, time);
-    xcb_flush(connection_);
+    send(target, property, 1, time);
+    return awaitAnswer(target);
+  }
+
+  // Asks this many times. The server has all requests when it returns.
+  void send(xcb_atom_t target, xcb_atom_t property, int count,
+            xcb_timestamp_t time = XCB_CURRENT_TIME) {
+    const xcb_atom_t clipboard = atom("CLIPBOARD");
+    for (int i = 0; i < count; ++i) {
+      xcb_convert_selection(connection_, window_, clipboard, target, property, time);
+    }
+    atom("CLIPBOARD");
+  }
+
+  bool awaitAnswer(xcb_atom_t target) {
     while (const Owned<xcb_generic_event_t> event{xcb_wait_for_event(connection_)}) {
       if ((event->response_type & 0x7F) != XCB_SELECTION_NOTIFY) continue;
       const auto& notice = *reinterpret_cast<xcb_selection_notify_event_t*>(event.get());
@@ -65,6 +79,22 @@ class Requestor {
       return notice.property != XCB_NONE;
     }
     return false;
+  }
+
+  // How many answers the server has for this program that were not awaited.
+  int answersLeft() {
+    atom("CLIPBOARD");
+    int count = 0;
+    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
+      if ((event->response_type & 0x7F) == XCB_SELECTION_NOTIFY) ++count;
+    }
+    return count;
+  }
+
+  // Takes the clipboard from its owner.
+  void take() {
+    xcb_set_selection_owner(connection_, window_, atom("CLIPBOARD"), XCB_CURRENT_TIME);
+    atom("CLIPBOARD");
   }
 
   std::optional<Property> read(xcb_atom_t property) {
@@ -219,6 +249,25 @@ TEST_F(Clipboard, OutlivesARequestorThatVanishes) {
   vanished.askAndVanish();
   Requestor requestor;
   EXPECT_EQ(requestor.ask("UTF8_STRING").value().bytes, "text");
+}
+
+// The owner serves on this thread, when everything has been asked.
+TEST_F(Clipboard, OfAFloodAnswersAFewAndThenTheOthers) {
+  ASSERT_TRUE(quorvel::openXcb());
+  quorvel::SelectionOwner owner("text");
+  ASSERT_TRUE(owner.take());
+  Requestor flooding, other, taker;
+  const xcb_atom_t utf8 = other.atom("UTF8_STRING");
+  constexpr int kFlood = 5000;
+  flooding.send(utf8, utf8, kFlood);
+  other.send(utf8, utf8, 1);
+  taker.take();
+  owner.serve();
+  EXPECT_TRUE(other.awaitAnswer(utf8));
+  EXPECT_EQ(other.read(utf8).value().bytes, "text");
+  const int answers = flooding.answersLeft();
+  EXPECT_GT(answers, 0);
+  EXPECT_LT(answers, kFlood);
 }
 
 TEST_F(Clipboard, KeepsTheTextWhenANewOneIsTooLong) {
