@@ -3,8 +3,9 @@
 #include <X11/extensions/XInput2.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "devices/KeyboardList.h"
-#include "devices/XQueries.h"
 
 namespace quorvel {
 namespace {
@@ -32,16 +33,31 @@ bool FocusTracker::belongsToAnotherProcess() {
   if (!cached_) {
     unwatch();
     answer_ = query();
+  } else if (!answer_) {
+    answer_ = ancestorsBelongToAnotherProcess();
   }
-  return answer_;
+  return answer_.value();
 }
 
 void FocusTracker::handle(const XEvent& event) {
-  const bool unrelated = event.type == PropertyNotify && event.xproperty.atom != processId_;
-  if (!unrelated) cached_ = false;
+  if (event.type == PropertyNotify) {
+    if (event.xproperty.atom == processId_) handle(event.xproperty);
+    return;
+  }
+  cached_ = false;
   if (event.type == GenericEvent && event.xcookie.evtype == XI_HierarchyChanged) {
     hasOneMaster_.reset();
   }
+}
+
+// The windows stay as they are, so that only this one has to be asked again, however many there are
+// and however often another client changes them. One without a process needs no question.
+void FocusTracker::handle(const XPropertyEvent& change) {
+  const auto changed = std::ranges::find(ancestors_, change.window, &Ancestor::window);
+  if (changed == ancestors_.end()) return;
+  changed->process.reset();
+  if (change.state == PropertyDelete) changed->process = {.windowExists = true, .value = {}};
+  answer_.reset();
 }
 
 // Each master keyboard has a focus of its own. Which of them counts for this client, another client
@@ -60,7 +76,7 @@ bool FocusTracker::query() {
   if (focus == None) return false;
   watchFocus(focus);
   cached_ = focusWindow() == focus;
-  return ancestorsBelongToAnotherProcess(focus);
+  return ancestorsBelongToAnotherProcess();
 }
 
 Window FocusTracker::focusWindow() const {
@@ -70,23 +86,28 @@ Window FocusTracker::focusWindow() const {
   return focus == PointerRoot ? None : focus;
 }
 
-bool FocusTracker::ancestorsBelongToAnotherProcess(Window window) {
-  std::optional<Window> parent;
-  while ((parent = parentOf(connection_, window))) {
-    if (*parent == None) return false;
-    watchProcess(*parent);
-    const CardinalProperty process = readCardinal(connection_, *parent, processId_);
-    if (!process.windowExists) break;
-    if (process.value) return static_cast<pid_t>(*process.value) != getpid();
-    window = *parent;
+bool FocusTracker::ancestorsBelongToAnotherProcess() {
+  for (std::size_t i = 0; i < ancestors_.size() || climb(); ++i) {
+    Ancestor& ancestor = ancestors_[i];
+    if (!ancestor.process) {
+      ancestor.process = readCardinal(connection_, ancestor.window, processId_);
+    }
+    if (ancestor.process->value) return static_cast<pid_t>(*ancestor.process->value) != getpid();
+    if (!ancestor.process->windowExists) {
+      cached_ = false;
+      break;
+    }
   }
-  cached_ = false;
   return false;
 }
 
-void FocusTracker::watchProcess(Window window) {
-  connection_.call([=](Display* display) { XSelectInput(display, window, PropertyChangeMask); });
-  ancestors_.push_back(window);
+bool FocusTracker::climb() {
+  const auto parent = parentOf(connection_, ancestors_.empty() ? focus_ : ancestors_.back().window);
+  if (!parent) cached_ = false;
+  if (!parent || *parent == None) return false;
+  ancestors_.push_back({.window = *parent, .process = {}});
+  connection_.call([&](Display* display) { XSelectInput(display, *parent, PropertyChangeMask); });
+  return true;
 }
 
 void FocusTracker::watchFocus(Window window) {
@@ -97,10 +118,12 @@ void FocusTracker::watchFocus(Window window) {
 void FocusTracker::unwatch() {
   if (focus_ != None) selectFocusEvents(connection_, focus_, false);
   focus_ = None;
-  for (const Window window : ancestors_) {
-    connection_.call([=](Display* display) { XSelectInput(display, window, NoEventMask); });
+  for (const Ancestor& ancestor : ancestors_) {
+    connection_.call(
+        [&](Display* display) { XSelectInput(display, ancestor.window, NoEventMask); });
   }
   ancestors_.clear();
+  answer_.reset();
 }
 
 }  // namespace quorvel

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "devices/XConnection.h"
+#include "devices/XQueries.h"
 
 namespace quorvel {
 
@@ -24,22 +25,29 @@ class FocusTracker {
   void handle(const XEvent& event);
 
  private:
+  // A window above the one with the focus.
+  struct Ancestor {
+    Window window;
+    std::optional<CardinalProperty> process;  // none: ask
+  };
   bool query();
   // Whether an event tells of every change of the focus.
   bool eventsTellOfFocus();
   // The window that has the focus; None when no single one has.
   Window focusWindow() const;
-  bool ancestorsBelongToAnotherProcess(Window window);
-  void watchProcess(Window window);
+  bool ancestorsBelongToAnotherProcess();
+  // Adds the next window above; false when there is none, or it cannot be told.
+  bool climb();
+  void handle(const XPropertyEvent& change);
   void watchFocus(Window window);
   void unwatch();
 
   const XConnection& connection_;
   Atom processId_ = None;
   bool cached_ = false;
-  bool answer_ = false;               // when cached
+  std::optional<bool> answer_;        // when cached; none: ask the ancestors
   Window focus_ = None;               // watched for losing the focus
-  std::vector<Window> ancestors_;     // of the focus window, watched for another process
+  std::vector<Ancestor> ancestors_;   // of the focus window, watched for another process
   std::optional<bool> hasOneMaster_;  // whether the server has but one master keyboard; none: ask
 };
 

@@ -69,6 +69,11 @@ void XClient::setProcess(Window window, pid_t process) {
   XSync(get(), False);
 }
 
+void XClient::removeProcess(Window window) {
+  XDeleteProperty(get(), window, XInternAtom(get(), "_NET_WM_PID", False));
+  XSync(get(), False);
+}
+
 void XClient::focus(Window window, int revertTo) {
   XSetInputFocus(get(), window, revertTo, CurrentTime);
   XSync(get(), False);

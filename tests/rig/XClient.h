@@ -26,8 +26,9 @@ class XClient {
   Window openWindow(Window parent = None);
   void closeWindow(Window window);
 
-  // Sets the _NET_WM_PID property.
+  // Sets or deletes the _NET_WM_PID property.
   void setProcess(Window window, pid_t process);
+  void removeProcess(Window window);
 
   // Gives the focus to a visible window, or to PointerRoot. `revertTo` is for when the window goes
   // away.

@@ -91,6 +91,42 @@ TEST_F(FocusTrackerTest, SendsNoRequestsWhileNothingChanges) {
   EXPECT_EQ(NextRequest(connection_.get()), next);
 }
 
+// Another client may change windows as often as it likes, however many there are.
+TEST_F(FocusTrackerTest, AsksNoWindowButTheOneThatHasChanged) {
+  Window focused = openWindowOf(kAnotherProcess);
+  const Window between = focused;
+  for (int i = 0; i < 20; ++i) focused = client_.openWindow(focused);
+  client_.focus(focused);
+  EXPECT_TRUE(belongsToAnotherProcess());
+  EXPECT_TRUE(belongsToAnotherProcess());  // counts the master keyboards
+  const auto requestsFor = [&](bool answer) {
+    const unsigned long next = NextRequest(connection_.get());
+    EXPECT_EQ(belongsToAnotherProcess(), answer);
+    return NextRequest(connection_.get()) - next;
+  };
+  const unsigned long needed = requestsFor(true);
+  client_.setProcess(between, getpid());
+  EXPECT_EQ(requestsFor(false), needed + 1);
+  client_.setProcess(between, kAnotherProcess);
+  EXPECT_EQ(requestsFor(true), needed + 1);
+  client_.setProcess(between, getpid());
+  EXPECT_EQ(requestsFor(false), needed + 1);
+  client_.removeProcess(between);
+  EXPECT_EQ(requestsFor(true), needed);
+}
+
+TEST_F(FocusTrackerTest, LooksFurtherUpWhenAWindowLosesItsProcess) {
+  const Window frame = openWindowOf(getpid());
+  const Window window = client_.openWindow(frame);
+  client_.setProcess(window, kAnotherProcess);
+  client_.focus(client_.openWindow(window));
+  EXPECT_TRUE(belongsToAnotherProcess());
+  client_.removeProcess(window);
+  EXPECT_FALSE(belongsToAnotherProcess());
+  client_.setProcess(frame, kAnotherProcess);
+  EXPECT_TRUE(belongsToAnotherProcess());
+}
+
 TEST_F(FocusTrackerTest, StopsWatchingWhereTheFocusHasLeft) {
   const Window left = openWindowOf(kAnotherProcess);
   const Window leftFrame = *parentOf(connection_, left);
