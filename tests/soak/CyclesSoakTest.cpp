@@ -1,6 +1,5 @@
 // What comes and goes leaves nothing behind.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -51,9 +50,7 @@ TEST_F(SoakOfScreenOpenings, OfAKeyboard) {
 
 TEST_F(SoakOfScreenOpenings, OfTheTestWindow) {
   rig::inOwnProcess([] {
-    // Longer than other tests may live.
-    constexpr unsigned kRest = 120;
-    alarm(static_cast<unsigned>(soak::duration().count()) + kRest);
+    soak::allowLongLife();
     const auto line = rig::scannerAt(rig::portPath(kUsb1));
     rig::Driver driver;
     // GTK keeps something of every window.

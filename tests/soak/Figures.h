@@ -10,6 +10,12 @@ namespace soak {
 // How long each figure is measured: QUORVEL_SOAK_SECONDS in the environment, otherwise two seconds.
 std::chrono::seconds duration();
 
+// Whether QUORVEL_SOAK_SECONDS is set: whoever sets it wants to know times, too.
+bool isMeasured();
+
+// For a process of rig::inOwnProcess, which would end before the figure is measured.
+void allowLongLife();
+
 // Prints a line of the table.
 void report(const std::string& figure, const std::string& wanted, const std::string& measured);
 
