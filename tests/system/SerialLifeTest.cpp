@@ -110,6 +110,10 @@ TEST(SerialLife, InitialisingAComponentAgainClosesItsDevices) {
   EXPECT_EQ(driver.open(kUsb1), u"InputDevice#2");
 }
 
+// How long a reader waits for bytes. One that ends only after its wait makes closing take as long,
+// since the port has just been opened.
+constexpr std::chrono::milliseconds kReaderWait{1000};
+
 // The shortest of several measurements: load lengthens a time but never shortens it.
 template <typename Action>
 std::chrono::milliseconds quickest(int tries, const Action& action) {
@@ -127,7 +131,8 @@ TEST(SerialLife, AnIdleDeviceClosesAtOnce) {
     EXPECT_TRUE(driver.close(id));
     return std::chrono::steady_clock::now() - start;
   });
-  EXPECT_LE(time, std::chrono::milliseconds(20));
+  std::cout << "an idle port closed in " << time.count() << " ms\n";
+  EXPECT_LT(time, kReaderWait / 2);
 }
 
 TEST(SerialLife, AComponentWithManyIdlePortsIsDestroyedAtOnce) {
@@ -145,7 +150,7 @@ TEST(SerialLife, AComponentWithManyIdlePortsIsDestroyedAtOnce) {
   });
   std::cout << kPorts << " ports destroyed in " << time.count() << " ms\n";
   // About 0.1 s on an idle machine.
-  EXPECT_LE(time, std::chrono::milliseconds(1000));
+  EXPECT_LT(time, kPorts * kReaderWait / 10);
 }
 
 TEST(SerialLife, ClosingWhileScansArrive) {

@@ -171,7 +171,8 @@ TEST(SerialUnplug, ClosingDoesNotWaitForTheScanner) {
     quickest = std::min(quickest, Clock::now() - start);
   }
   std::cout << kPorts << " lost ports closed in " << milliseconds(quickest) << " ms\n";
-  EXPECT_LT(quickest, 500ms);
+  // A reader that is not woken waits for a second or more.
+  EXPECT_LT(quickest, kPorts * 1000ms / 10);
 }
 
 TEST(SerialUnplug, ClosingAtTheMomentOfUnplugging) {
