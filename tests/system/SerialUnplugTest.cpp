@@ -123,7 +123,8 @@ TEST(SerialUnplug, TheDescriptorIsClosedAtOnce) {
   EXPECT_TRUE(isOpen());
   scanner.unplug();
   rig::await("the end of a dead descriptor", [&] { return !isOpen(); });
-  // Its number is free for the next one.
+  // Its number is free for the next one, as soon as the reader's call has come to its end.
+  rig::await("the old name", [&] { return SerialLine(LineSetting::kFramed).port() == port; });
   scanner.plugIn();
   EXPECT_EQ(scanner.line().port(), port);
 }
