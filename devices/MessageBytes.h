@@ -1,6 +1,7 @@
 // The bytes of a message while it is being read.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -22,7 +23,13 @@ class MessageBytes {
   MessageBytes& operator=(const MessageBytes&) = delete;
 
   void append(std::string_view bytes);
-  void append(char byte) { append(std::string_view(&byte, 1)); }
+  void append(char byte) {
+    if (!dropped_ && bytes_.size() < std::min(bytes_.capacity(), kLongestMessage)) {
+      bytes_.push_back(byte);
+    } else {
+      append(std::string_view(&byte, 1));
+    }
+  }
 
   // Drops the message, whatever is still to come of it.
   void drop();

@@ -55,8 +55,7 @@ void SerialReader::readPass() {
   }
 }
 
-bool SerialReader::hasToLeave() {
-  if (running_) return false;
+bool SerialReader::isTimeToLeave() {
   const auto now = std::chrono::steady_clock::now();
   if (!leaveBy_) leaveBy_ = now + kLongestLeave;
   return now > *leaveBy_;

@@ -34,7 +34,8 @@ class SerialReader {
   void readPass();
   bool endsMessage(char byte) const { return !suffix_.empty() && byte == suffix_.back(); }
   void deliver(std::size_t cut);
-  bool hasToLeave();
+  bool hasToLeave() { return !running_ && isTimeToLeave(); }
+  bool isTimeToLeave();
 
   const InputDeviceComPortFactory factory_;
   const DataCallback callback_;

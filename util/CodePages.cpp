@@ -80,8 +80,9 @@ std::wstring upToFirstNul(std::wstring text) {
 
 std::wstring ConvertMbsToWcs(const std::string& bytes, const std::wstring& encoding) {
   // ASCII reads the same in both encodings.
-  const bool singleByte = encoding == kEncodingWindows1251 || isAscii(bytes);
-  return upToFirstNul(singleByte ? decodeWindows1251(bytes) : decodeUtf8(bytes));
+  if (isAscii(bytes)) return upToFirstNul(std::wstring(bytes.begin(), bytes.end()));
+  return upToFirstNul(encoding == kEncodingWindows1251 ? decodeWindows1251(bytes)
+                                                       : decodeUtf8(bytes));
 }
 
 bool IsUTF8String(const char* text) {
