@@ -34,8 +34,13 @@ constexpr std::array<Place, 4> kPlaces = [] {
   return places;
 }();
 
-std::uint32_t partOf(char character, std::size_t place) {
-  return kPlaces[place][static_cast<std::uint8_t>(character)];
+std::uint8_t codeOf(char character) { return static_cast<std::uint8_t>(character); }
+std::uint32_t codeOf(wchar_t character) { return static_cast<std::uint32_t>(character); }
+
+template <typename Character>
+std::uint32_t partOf(Character character, std::size_t place) {
+  const auto code = codeOf(character);
+  return code < kPlaces[place].size() ? kPlaces[place][code] : kForeign;
 }
 
 void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
@@ -48,7 +53,8 @@ void encodeGroup(const std::uint8_t (&bytes)[3], char* out) {
 }
 
 // False for a group with a foreign character in it; nothing is written then.
-bool decodeGroup(const char* in, char* out) {
+template <typename Character>
+bool decodeGroup(const Character* in, char* out) {
   const std::uint32_t group =
       partOf(in[0], 0) | partOf(in[1], 1) | partOf(in[2], 2) | partOf(in[3], 3);
   if ((group & kForeign) != 0) return false;
@@ -56,6 +62,23 @@ bool decodeGroup(const char* in, char* out) {
   out[1] = static_cast<char>(group >> 8);
   out[2] = static_cast<char>(group);
   return true;
+}
+
+template <typename Character>
+std::string decode(std::basic_string_view<Character> text) {
+  std::string raw(text.size() / 4 * 3 + 3, '\0');
+  const Character* in = text.data();
+  const Character* const end = in + text.size();
+  char* out = raw.data();
+  while (end - in >= 4 && decodeGroup(in, out)) in += 4, out += 3;
+
+  char last[4] = {'A', 'A', 'A', 'A'};
+  std::ptrdiff_t held = 0;
+  while (in != end && partOf(*in, 0) != kForeign) last[held++] = static_cast<char>(*in++);
+  decodeGroup(last, out);
+  const std::ptrdiff_t lastBytes = std::max<std::ptrdiff_t>(held - 1, 0);
+  raw.resize(static_cast<std::size_t>(out - raw.data() + lastBytes));
+  return raw;
 }
 
 }  // namespace
@@ -74,21 +97,7 @@ std::string base64_encode(const std::string& raw) {
   return text;
 }
 
-std::string base64_decode(const std::string& text) {
-  std::string raw(text.size() / 4 * 3 + 3, '\0');
-  const char* in = text.data();
-  const char* const end = in + text.size();
-  char* out = raw.data();
-  while (end - in >= 4 && decodeGroup(in, out)) in += 4, out += 3;
-
-  char last[4] = {'A', 'A', 'A', 'A'};
-  std::ptrdiff_t held = 0;
-  while (in != end && partOf(*in, 0) != kForeign) last[held++] = *in++;
-  decodeGroup(last, out);
-  const std::ptrdiff_t lastBytes = std::max<std::ptrdiff_t>(held - 1, 0);
-  raw.resize(static_cast<std::size_t>(out - raw.data() + lastBytes));
-  return raw;
-}
+std::string base64_decode(const std::string& text) { return decode<char>(text); }
 
 std::string raw2Base64(const std::string& raw) { return base64_encode(raw); }
 
@@ -97,9 +106,7 @@ std::wstring raw2Base64(const std::wstring& raw) { return str2wstr(base64_encode
 std::string base642Raw(const std::string& text) { return base64_decode(text); }
 
 std::wstring base642Raw(const std::wstring& text) {
-  std::string base64 = wstr2str(text);
-  const ScopedWipe wipeBase64(base64);
-  std::string raw = base64_decode(base64);
+  std::string raw = decode<wchar_t>(text);
   const ScopedWipe wipeRaw(raw);
   return str2wstr(raw);
 }
