@@ -16,7 +16,7 @@
 namespace quorvel {
 namespace {
 
-constexpr std::size_t kCodeDigits = 3;
+constexpr int kCodeDigits = 3;
 
 // Not isgraph(), which accepts letters above 0x7F in a one-byte locale.
 constexpr bool isVisible(char byte) { return byte >= 0x21 && byte <= 0x7E; }
@@ -72,15 +72,15 @@ std::wstring wideText(const wchar_t* text, int count) {
 std::string raw2HRS(const char* bytes, int length) {
   const char* in = bytes;
   const char* const end = bytes + std::max(length, 0);
-  // At most three characters a byte: a group of one byte has five, but shares them with the visible
-  // byte before the next group.
-  std::string text(static_cast<std::size_t>(end - in) * kCodeDigits + 2, '\0');
+  // At most: each code in brackets of its own.
+  const auto codes = std::count_if(in, end, [](char byte) { return !isVisible(byte); });
+  std::string text(static_cast<std::size_t>(end - in + codes * (kCodeDigits + 1)), '\0');
   char* out = text.data();
   while (in != end) {
-    if (isVisible(*in)) {
-      *out++ = *in++;
-      continue;
-    }
+    const char* const group = std::find_if_not(in, end, isVisible);
+    out = std::copy(in, group, out);
+    in = group;
+    if (in == end) break;
     *out++ = '(';
     while (in != end && !isVisible(*in)) out = writeCode(out, *in++);
     *out++ = ')';
