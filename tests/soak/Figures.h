@@ -7,10 +7,11 @@
 
 namespace soak {
 
-// How long each figure is measured: QUORVEL_SOAK_SECONDS in the environment, otherwise two seconds.
+// How long each figure is measured: QUORVEL_SOAK_SECONDS in the environment, otherwise a second.
 std::chrono::seconds duration();
 
-// Whether QUORVEL_SOAK_SECONDS is set: whoever sets it wants to know times, too.
+// Whether times are to be judged, too: QUORVEL_SOAK_SECONDS is set, and no sanitizer slows
+// everything down.
 bool isMeasured();
 
 // For a process of rig::inOwnProcess, which would end before the figure is measured.
