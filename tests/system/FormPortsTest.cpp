@@ -1,8 +1,6 @@
 // The settings form of the built library, for several layouts of /dev.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 
@@ -73,18 +71,6 @@ TEST_F(FormPorts, APortPluggedInLaterIsListedNextTime) {
   EXPECT_TRUE(areSame(form(), expectedForm("ru", "", "")));
   const rig::DeviceFiles files = {"ttyUSB0"};
   EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("129", "USB COM1"), "")));
-}
-
-// Everybody may put files into /dev/shm.
-TEST_F(FormPorts, FiftyThousandFilesThatMatchDoNoHarm) {
-  const std::filesystem::path folder = "/dev/shm/many";
-  std::filesystem::create_directory(folder);
-  for (int i = 0; i < 50000; ++i) std::ofstream(folder / ("ttyACM" + std::to_string(i)));
-  EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("65", "Virtual COM1"), "")));
-  const std::size_t memory = rig::heapBytes();
-  EXPECT_TRUE(areSame(form(), expectedForm("ru", choiceItem("65", "Virtual COM1"), "")));
-  EXPECT_LT(rig::heapBytes(), memory + 65536);
-  std::filesystem::remove_all(folder);
 }
 
 TEST_F(FormPorts, NamesOfAnyContentStayOutOfTheDocument) {
