@@ -19,7 +19,7 @@ struct Freer {
 template <typename T>
 using XcbOwned = std::unique_ptr<T, Freer>;
 
-enum AtomIndex { kClipboard, kTargets, kMultiple, kAtomPair, kTimestamp, kUtf8, kText, kPlain };
+enum AtomIndex { kClipboard, kTargets, kMultiple, kAtomPair, kTimestamp, kUtf8, kAnyText, kPlain };
 
 constexpr std::array<std::string_view, kPlain + 1> kAtomNames = {
     "CLIPBOARD", "TARGETS",     "MULTIPLE", "ATOM_PAIR",
@@ -113,7 +113,7 @@ xcb_timestamp_t SelectionOwner::serverTime() {
 void SelectionOwner::prepareAnswers() {
   const xcb_atom_t utf8 = atoms_[kUtf8];
   answers_ = {{utf8, utf8, 8, text_},
-              {atoms_[kText], utf8, 8, text_},
+              {atoms_[kAnyText], utf8, 8, text_},
               {atoms_[kPlain], atoms_[kPlain], 8, text_},
               {XCB_ATOM_STRING, XCB_ATOM_STRING, 8, latin1(text_)},
               {atoms_[kTimestamp], XCB_ATOM_INTEGER, 32, bytesOf(std::vector{since_})}};

@@ -17,9 +17,6 @@ using rig::Call;
 using rig::FailingCalls;
 using rig::Sweep;
 
-// Xlib and what it stands on follow null pointers, or stop the process, where they find no memory.
-constexpr auto kXlib = {"libX11", "libxcb", "libXi", "libXext", "libXau"};
-
 // A form takes a thousand allocations and three processes.
 constexpr unsigned kManyCalls = 10000;
 constexpr unsigned kSomeCalls = 61;
@@ -62,7 +59,7 @@ TEST_P(FormFailures, TheNextFormIsWhole) {
   Subject subject;
   const rig::Ends ends = sweepForms(subject, failure);
   if (failure.failure.call == Call::kAllocate) {
-    failures::expectEndsOnlyIn(ends, kXlib);
+    failures::expectEndsOnlyIn(ends, failures::kXlib);
   } else {
     failures::expectEndsOnlyIn(ends, {});
   }

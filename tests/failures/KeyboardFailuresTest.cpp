@@ -15,9 +15,6 @@ using rig::Call;
 using rig::FailingCalls;
 using rig::Sweep;
 
-// As for the form.
-constexpr auto kXlib = {"libX11", "libxcb", "libXi", "libXext", "libXau"};
-
 const Sweep kSweeps[] = {
     {{"no memory for the driver", Call::kNew, ENOMEM}, 1},
     {{"no memory for the driver", Call::kNew, ENOMEM}, FailingCalls::kEver},
@@ -49,7 +46,7 @@ TEST_P(KeyboardFailures, WhileItIsOpenedAndRead) {
     failures::expectScansSurvive(subject, setUp, scan, failure, first);
   });
   if (failure.failure.call == Call::kAllocate) {
-    failures::expectEndsOnlyIn(ends, kXlib);
+    failures::expectEndsOnlyIn(ends, failures::kXlib);
   } else {
     failures::expectEndsOnlyIn(ends, {});
   }

@@ -60,6 +60,9 @@ using Scan = std::function<void(const char* message)>;
 void expectScansSurvive(Subject& subject, const std::function<void(Subject&)>& setUp,
                         const Scan& scan, const rig::Sweep& sweep, unsigned first);
 
+// Xlib and what it stands on follow null pointers, or stop the process, where they find no memory.
+inline constexpr auto kXlib = {"libX11", "libxcb", "libXi", "libXext", "libXau"};
+
 // The test fails when something was ended that is not in the list.
 void expectEndsOnlyIn(const rig::Ends& ends, std::initializer_list<const char*> libraries);
 

@@ -10,18 +10,19 @@
 
 #include "tests/rig/HostCodes.h"
 #include "tests/rig/SerialDriver.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/rig/Variants.h"
 #include "tools/common/HostVariants.h"
 
 namespace {
 
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::emptyVariant;
 using terminal::numberVariant;
 using terminal::SerialLine;
 using terminal::textVariant;
 
-constexpr std::int32_t kUsb1 = 129;
 constexpr long kSmallest = std::numeric_limits<std::int32_t>::min();
 constexpr long kLargest = std::numeric_limits<std::int32_t>::max();
 

@@ -9,12 +9,14 @@
 
 #include "tests/rig/HostTool.h"
 #include "tests/rig/ScratchFolder.h"
+#include "tests/rig/UsbPort.h"
 #include "tools/common/SerialLine.h"
 
 namespace {
 
 using nlohmann::json;
 using rig::Diagnosis;
+using rig::kUsb1Path;
 using rig::Program;
 using terminal::LineSetting;
 using terminal::SerialLine;
@@ -23,11 +25,9 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-const std::string kPath = "/dev/ttyUSB0";
-
 Diagnosis examined() {
   return diagnosisOf(rig::run(
-      rig::hostWords({"doctor", "--port", kPath, "--seconds", "0", "--json"}), rig::kEnglish));
+      rig::hostWords({"doctor", "--port", kUsb1Path, "--seconds", "0", "--json"}), rig::kEnglish));
 }
 
 // A program that has read from the port.
@@ -41,13 +41,13 @@ struct Reader {
 
 class BusyPort : public testing::Test {
  protected:
-  void SetUp() override { line_.link(kPath); }
+  void SetUp() override { line_.link(kUsb1Path); }
 
   SerialLine line_{LineSetting::kFramed};
 };
 
 TEST_F(BusyPort, NamesTheProgramAndHowToEndIt) {
-  Reader socat(line_, {"socat", "-u", "OPEN:" + kPath, "STDOUT"});
+  Reader socat(line_, {"socat", "-u", "OPEN:" + kUsb1Path, "STDOUT"});
   const Diagnosis busy = examined();
   EXPECT_EQ(busy.code, 1);
   EXPECT_THAT(busy.ids(), ElementsAre("line-busy"));
@@ -65,8 +65,8 @@ TEST_F(BusyPort, NamesTheProgramAndHowToEndIt) {
 }
 
 TEST_F(BusyPort, ListenWarnsOfTheProgram) {
-  const Reader socat(line_, {"socat", "-u", "OPEN:" + kPath, "STDOUT"});
-  Program listen(rig::hostWords({"listen", "--port", kPath}), rig::kEnglish);
+  const Reader socat(line_, {"socat", "-u", "OPEN:" + kUsb1Path, "STDOUT"});
+  Program listen(rig::hostWords({"listen", "--port", kUsb1Path}), rig::kEnglish);
   EXPECT_THAT(listen.errorLine(), StartsWith("warning: /dev/ttyUSB0 is also read by socat"));
 }
 
@@ -79,7 +79,7 @@ TEST_F(BusyPort, KnowsTheServicesThatTakePortsUnasked) {
         std::pair("agetty", "sudo systemctl disable --now serial-getty@ttyUSB0.service")}) {
     const std::string program = folder.path() / service;
     std::filesystem::create_symlink(cat, program);
-    const Reader reader(line_, {program, kPath});
+    const Reader reader(line_, {program, kUsb1Path});
     const Diagnosis busy = examined();
     EXPECT_THAT(busy.ids(), ElementsAre("line-busy"));
     EXPECT_THAT(busy.text(), HasSubstr(service));

@@ -17,6 +17,7 @@ namespace {
 using nlohmann::json;
 using rig::Diagnosis;
 using rig::Ending;
+using rig::kEnglishOnScreen;
 using rig::Program;
 using rig::Words;
 using terminal::Key;
@@ -24,8 +25,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-const rig::Variables kEnglish = rig::kEnglishOnScreen;
 
 class DoctorKeyboard : public testing::Test {
  protected:
@@ -36,20 +35,20 @@ class DoctorKeyboard : public testing::Test {
   }
 
   static Diagnosis examine(const std::string& keyboard = "Scanner") {
-    return diagnosisOf(rig::run(words({"--seconds", "0"}, keyboard), kEnglish));
+    return diagnosisOf(rig::run(words({"--seconds", "0"}, keyboard), kEnglishOnScreen));
   }
 
   // What doctor makes of what the scanner does while it listens.
   template <typename Typing>
   Diagnosis typedBy(const Typing& typing, const Words& options = {},
-                    const rig::Variables& variables = kEnglish) {
+                    const rig::Variables& variables = kEnglishOnScreen) {
     Program doctor(words(options), variables);
     EXPECT_EQ(doctor.errorLine(), "scan something now");
     typing(server_.keyboard(0));
     return diagnosisOf(doctor.end());
   }
   Diagnosis typed(const std::string& text, const Words& options = {},
-                  const rig::Variables& variables = kEnglish) {
+                  const rig::Variables& variables = kEnglishOnScreen) {
     return typedBy([&](terminal::VirtualKeyboard& keyboard) { type(keyboard, text); }, options,
                    variables);
   }
@@ -106,7 +105,7 @@ TEST_F(DoctorKeyboard, TheFocusInAWindowOfAnotherProgram) {
 }
 
 TEST_F(DoctorKeyboard, NoKeys) {
-  EXPECT_THAT(diagnosisOf(rig::run(words({"--seconds", "1"}), kEnglish)).ids(),
+  EXPECT_THAT(diagnosisOf(rig::run(words({"--seconds", "1"}), kEnglishOnScreen)).ids(),
               ElementsAre("no-keys"));
 }
 
@@ -151,7 +150,7 @@ TEST_F(DoctorKeyboard, AWaylandSessionIsANoteWhereKeysCome) {
 }
 
 TEST_F(DoctorKeyboard, AnInterruptedDoctorGivesTheKeyboardBack) {
-  Program doctor(words({}), kEnglish);
+  Program doctor(words({}), kEnglishOnScreen);
   doctor.errorLine();
   doctor.signal(SIGINT);
   EXPECT_EQ(doctor.end().code, 1);
@@ -160,7 +159,7 @@ TEST_F(DoctorKeyboard, AnInterruptedDoctorGivesTheKeyboardBack) {
 }
 
 TEST_F(DoctorKeyboard, ListShowsTheKeyboardsOfTheForm) {
-  const Ending ending = rig::run({rig::hostPath(), "list", "--json"}, kEnglish);
+  const Ending ending = rig::run({rig::hostPath(), "list", "--json"}, kEnglishOnScreen);
   std::istringstream lines(ending.output);
   std::vector<std::string> names;
   for (std::string line; std::getline(lines, line);) {
@@ -173,18 +172,20 @@ TEST_F(DoctorKeyboard, ListShowsTheKeyboardsOfTheForm) {
   }
   EXPECT_THAT(names, Contains("Scanner"));
   EXPECT_THAT(names, Contains("Keys"));
-  EXPECT_THAT(rig::run({rig::hostPath(), "list"}, kEnglish).output,
+  EXPECT_THAT(rig::run({rig::hostPath(), "list"}, kEnglishOnScreen).output,
               HasSubstr("keyboard \"Scanner\" ("));
 }
 
 TEST_F(DoctorKeyboard, ListenSaysWhyTheKeyboardDoesNotOpen) {
-  const Ending ending = rig::run({rig::hostPath(), "listen", "--keyboard", "Scaner"}, kEnglish);
+  const Ending ending =
+      rig::run({rig::hostPath(), "listen", "--keyboard", "Scaner"}, kEnglishOnScreen);
   EXPECT_EQ(ending.code, 1);
   EXPECT_THAT(ending.errors, HasSubstr("\nkeyboard-missing: "));
   rig::XClient client(server_.display());
   ASSERT_TRUE(client.grab(client.device("Scanner")));
-  EXPECT_THAT(rig::run({rig::hostPath(), "listen", "--keyboard", "Scanner"}, kEnglish).errors,
-              HasSubstr("\nkeyboard-grabbed: "));
+  EXPECT_THAT(
+      rig::run({rig::hostPath(), "listen", "--keyboard", "Scanner"}, kEnglishOnScreen).errors,
+      HasSubstr("\nkeyboard-grabbed: "));
 }
 
 }  // namespace

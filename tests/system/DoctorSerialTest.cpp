@@ -13,6 +13,7 @@
 
 #include "tests/rig/HostTool.h"
 #include "tests/rig/ScratchFolder.h"
+#include "tests/rig/UsbPort.h"
 #include "tools/common/SerialLine.h"
 
 namespace {
@@ -22,7 +23,9 @@ using rig::Ending;
 using rig::hostWords;
 using rig::kEnglish;
 using rig::kRussian;
+using rig::kUsb1Path;
 using rig::Program;
+using rig::UsbLine;
 using rig::Words;
 using terminal::LineSetting;
 using terminal::SerialLine;
@@ -30,11 +33,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-
-const std::string kPath = "/dev/ttyUSB0";
-struct Port : SerialLine {
-  explicit Port(LineSetting setting) : SerialLine(setting) { link(kPath); }
-};
 
 Words doctorWords(const Words& more) {
   Words words = hostWords({"doctor", "--port", "129", "--json"});
@@ -54,14 +52,14 @@ struct Scan {
   bool slowly = false;
 
   Diagnosis diagnosed() const {
-    Port port(line);
-    const std::string before = rig::outputOf({"stty", "-F", kPath, "-g"});
+    UsbLine port(line);
+    const std::string before = rig::outputOf({"stty", "-F", kUsb1Path, "-g"});
     Program doctor(doctorWords(options), kEnglish);
     EXPECT_EQ(doctor.errorLine(), "scan something now");
     EXPECT_TRUE(port.waitForReader(-1, rig::kPatience));
     slowly ? port.sendSlowly(bytes, std::chrono::milliseconds(20)) : port.send(bytes);
     const Ending ending = doctor.end();
-    EXPECT_EQ(rig::outputOf({"stty", "-F", kPath, "-g"}), before);
+    EXPECT_EQ(rig::outputOf({"stty", "-F", kUsb1Path, "-g"}), before);
     return diagnosisOf(ending);
   }
 };
@@ -82,7 +80,7 @@ TEST(DoctorSerial, AScanThatTheDriverDelivers) {
 
 TEST(DoctorSerial, ACookedLine) {
   const Diagnosis examined = [] {
-    const Port port(LineSetting::kCooked);
+    const UsbLine port(LineSetting::kCooked);
     return examine();
   }();
   EXPECT_EQ(examined.code, 1);
@@ -101,7 +99,7 @@ TEST(DoctorSerial, ACookedLine) {
 }
 
 TEST(DoctorSerial, TheRemedyForACookedLineFramesIt) {
-  Port port(LineSetting::kCooked);
+  UsbLine port(LineSetting::kCooked);
   const std::string remedy = examine().remedy();
   const std::string command = remedy.substr(5, remedy.find(';') - 5);  // without sudo
   rig::outputOf({"sh", "-c", command});
@@ -151,7 +149,7 @@ TEST(DoctorSerial, AScanThatTheLineCuts) {
 }
 
 TEST(DoctorSerial, NothingComes) {
-  const Port port(LineSetting::kFramed);
+  const UsbLine port(LineSetting::kFramed);
   const Diagnosis silent = examine({"--seconds", "1"});
   EXPECT_EQ(silent.code, 1);
   EXPECT_THAT(silent.ids(), ElementsAre("no-bytes"));
@@ -169,7 +167,7 @@ TEST(DoctorSerial, AnEndWithNothingBeforeItIsNoScan) {
 }
 
 TEST(DoctorSerial, AScannerThatIsUnplugged) {
-  std::optional<Port> port(std::in_place, LineSetting::kFramed);
+  std::optional<UsbLine> port(std::in_place, LineSetting::kFramed);
   Program doctor(doctorWords({}), kEnglish);
   doctor.errorLine();
   port->waitForReader(-1, rig::kPatience);
@@ -179,12 +177,12 @@ TEST(DoctorSerial, AScannerThatIsUnplugged) {
 
 TEST(DoctorSerial, AMissingPortAndWhatIsNotALine) {
   EXPECT_THAT(examine({}).ids(), ElementsAre("port-missing"));
-  std::filesystem::create_directory(kPath);
+  std::filesystem::create_directory(kUsb1Path);
   EXPECT_THAT(examine({}).ids(), ElementsAre("not-a-line"));
-  std::filesystem::remove(kPath);
-  std::filesystem::create_symlink("/dev/null", kPath);
+  std::filesystem::remove(kUsb1Path);
+  std::filesystem::create_symlink("/dev/null", kUsb1Path);
   EXPECT_THAT(examine({}).ids(), ElementsAre("not-a-line"));
-  std::filesystem::remove(kPath);
+  std::filesystem::remove(kUsb1Path);
 }
 
 TEST(DoctorSerial, AnUnknownSpeedChangesNoExitCode) {
@@ -211,7 +209,7 @@ class ForeignPort : public testing::Test {
     return words;
   }
 
-  const Port port_{LineSetting::kFramed};
+  const UsbLine port_{LineSetting::kFramed};
 };
 
 TEST_F(ForeignPort, NamesTheGroupThatMayReadIt) {
@@ -238,18 +236,18 @@ TEST_F(ForeignPort, SaysWhenTheUserHasNotLoggedInSinceJoiningTheGroup) {
 }
 
 TEST(DoctorSerial, AnInterruptedDoctorLeavesTheLineAsItWas) {
-  Port port(LineSetting::kCooked);
-  const std::string before = rig::outputOf({"stty", "-F", kPath, "-g"});
+  UsbLine port(LineSetting::kCooked);
+  const std::string before = rig::outputOf({"stty", "-F", kUsb1Path, "-g"});
   Program doctor(doctorWords({}), kEnglish);
   doctor.errorLine();
   port.waitForReader(-1, rig::kPatience);
   doctor.signal(SIGINT);
   EXPECT_EQ(doctor.end().code, 1);
-  EXPECT_EQ(rig::outputOf({"stty", "-F", kPath, "-g"}), before);
+  EXPECT_EQ(rig::outputOf({"stty", "-F", kUsb1Path, "-g"}), before);
 }
 
 TEST(DoctorSerial, SpeaksToAPerson) {
-  const Port port(LineSetting::kCooked);
+  const UsbLine port(LineSetting::kCooked);
   const Ending english =
       rig::run(hostWords({"doctor", "--port", "129", "--seconds", "0"}), kEnglish);
   EXPECT_EQ(english.code, 1);

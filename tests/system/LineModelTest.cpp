@@ -52,8 +52,8 @@ struct KernelLine : SerialLine {
     std::vector<std::string> lines;
     do {
       pollfd wait = {reader.get(), POLLIN, 0};
-      constexpr auto kPatience = std::chrono::milliseconds(rig::kPatience).count();
-      if (poll(&wait, 1, static_cast<int>(kPatience)) <= 0) break;
+      constexpr auto patience = std::chrono::milliseconds(rig::kPatience).count();
+      if (poll(&wait, 1, static_cast<int>(patience)) <= 0) break;
       std::array<char, 8192> line;
       const ssize_t got = ::read(reader.get(), line.data(), line.size());
       if (got > 0) lines.emplace_back(line.data(), static_cast<std::size_t>(got));

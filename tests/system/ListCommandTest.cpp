@@ -9,6 +9,7 @@
 
 #include "tests/rig/HostTool.h"
 #include "tests/rig/ScratchFolder.h"
+#include "tests/rig/UsbPort.h"
 #include "tools/common/SerialLine.h"
 #include "tools/host/SerialPorts.h"
 
@@ -20,24 +21,20 @@ using nlohmann::json;
 using rig::hostWords;
 using rig::kEnglish;
 using rig::kRussian;
+using rig::kUsb1Path;
+using rig::UsbLine;
 using terminal::LineSetting;
 using terminal::Product;
 using terminal::SerialLine;
 using testing::HasSubstr;
 
-const std::string kPath = "/dev/ttyUSB0";
-
-struct Port : SerialLine {
-  explicit Port(LineSetting setting) : SerialLine(setting) { link(kPath); }
-};
-
 TEST(ListCommand, ShowsPortsForAPersonAndAsJson) {
-  const Port port(LineSetting::kCooked);
+  const UsbLine port(LineSetting::kCooked);
   std::filesystem::create_directories("/dev/serial/by-id");
   const std::string link = "/dev/serial/by-id/usb-Maker_Scanner";
   std::filesystem::create_symlink("../../ttyUSB0", link);
   const json object = json::parse(rig::run(hostWords({"list", "--json"}), kEnglish).output);
-  const json expected = {{"kind", "serial"},   {"port", 129},        {"file", kPath},
+  const json expected = {{"kind", "serial"},   {"port", 129},        {"file", kUsb1Path},
                          {"name", "USB COM1"}, {"product", nullptr}, {"access", "ok"},
                          {"line", "cooked"},   {"speed", 38400},     {"used_by", json::array()},
                          {"by_id", link}};
@@ -53,7 +50,7 @@ TEST(ListCommand, ShowsPortsForAPersonAndAsJson) {
 }
 
 TEST(ListCommand, NotesARawLine) {
-  const Port port(LineSetting::kRaw);
+  const UsbLine port(LineSetting::kRaw);
   EXPECT_THAT(rig::run(hostWords({"list"}), kEnglish).output,
               HasSubstr("  ! the line is raw: a scan that comes in pieces is lost\n    -> sudo "));
 }

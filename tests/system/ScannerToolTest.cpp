@@ -17,13 +17,19 @@
 #include <vector>
 
 #include "tests/rig/HostCodes.h"
+#include "tests/rig/HostTool.h"
 #include "tests/rig/Program.h"
 #include "tests/rig/RawDevice.h"
 #include "tests/rig/Refusals.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
 using rig::Ending;
+using rig::kEnglish;
+using rig::kRussian;
+using rig::kUsb1;
+using rig::kUsb1Path;
 using rig::Program;
 using rig::Refusal;
 using rig::SerialDriver;
@@ -31,11 +37,6 @@ using rig::Words;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-constexpr std::int32_t kUsb1 = 129;
-const std::string kUsb1Path = "/dev/ttyUSB0";
-const rig::Variables kEnglish = {{"LC_ALL", "C.UTF-8"}};
-const rig::Variables kRussian = {{"LC_ALL", "ru_RU.UTF-8"}};
 
 // As fast as possible.
 const Words kFast = {"--rate", "1000000"};
@@ -50,8 +51,10 @@ Words scannerWords(const Words& more, const Words& before = {}) {
 }
 
 // A scanner that is plugged in at the first USB port.
-struct Scanner : Program {
-  explicit Scanner(const Words& more) : Program(scannerWords(more), kEnglish) { errorLine(); }
+struct ScannerProgram : Program {
+  explicit ScannerProgram(const Words& more) : Program(scannerWords(more), kEnglish) {
+    errorLine();
+  }
 
   void unplug(int number = SIGTERM) {
     signal(number);
@@ -81,14 +84,14 @@ struct TemporaryFile {
 };
 
 TEST(ScannerTool, ScansItsTextsWithACarriageReturnAfterEach) {
-  Scanner scanner({"4600051000057", "Привет"});
+  ScannerProgram scanner({"4600051000057", "Привет"});
   Device device;
   device.expect({"4600051000057", "Привет"});
   scanner.unplug();
 }
 
 TEST(ScannerTool, StaysPluggedInAfterItsLastScanUntilItIsInterrupted) {
-  Scanner scanner({"1"});
+  ScannerProgram scanner({"1"});
   Device device;
   device.expect({"1"});
   EXPECT_TRUE(std::filesystem::exists(kUsb1Path));
@@ -96,7 +99,7 @@ TEST(ScannerTool, StaysPluggedInAfterItsLastScanUntilItIsInterrupted) {
 }
 
 TEST(ScannerTool, AProcessThatOnlyInspectsThePortIsNotAReader) {
-  Scanner scanner({"1"});
+  ScannerProgram scanner({"1"});
   rig::outputOf({"stty", "-F", kUsb1Path, "-a"});
   Device device;
   device.expect({"1"});
@@ -104,13 +107,13 @@ TEST(ScannerTool, AProcessThatOnlyInspectsThePortIsNotAReader) {
 }
 
 TEST(ScannerTool, CanBeUnpluggedWhileItWaitsForAReader) {
-  Scanner scanner({"1"});
+  ScannerProgram scanner({"1"});
   scanner.unplug(SIGHUP);
 }
 
 TEST(ScannerTool, TheLineSettings) {
   const auto settingsOf = [](const std::string& line) {
-    Scanner scanner({"--line", line, "1"});
+    ScannerProgram scanner({"--line", line, "1"});
     std::string settings = rig::outputOf({"stty", "-F", kUsb1Path, "-a"});
     scanner.unplug();
     return settings;
@@ -129,20 +132,20 @@ TEST(ScannerTool, TheLineSettings) {
 }
 
 TEST(ScannerTool, FramedIsTheUsualLine) {
-  Scanner scanner({"1"});
+  ScannerProgram scanner({"1"});
   EXPECT_THAT(rig::outputOf({"stty", "-F", kUsb1Path, "-a"}), HasSubstr("eol = ^M"));
   scanner.unplug();
 }
 
 TEST(ScannerTool, ACookedLineIsReadWithALineFeed) {
-  Scanner scanner({"--line", "cooked", "123", "456"});
+  ScannerProgram scanner({"--line", "cooked", "123", "456"});
   Device device(10);
   device.expect({"123", "456"});
   scanner.unplug();
 }
 
 TEST(ScannerTool, ALineFeedAfterTheCarriageReturn) {
-  Scanner scanner({"--line", "raw", "--suffix", "13,10", "123"});
+  ScannerProgram scanner({"--line", "raw", "--suffix", "13,10", "123"});
   Device device(10);
   device.expect({"123\r"});
   scanner.unplug();
@@ -150,22 +153,22 @@ TEST(ScannerTool, ALineFeedAfterTheCarriageReturn) {
 
 TEST(ScannerTool, NoSuffix) {
   // An empty text, though there is nothing to send, does not end the list of texts.
-  Scanner scanner({"--line", "raw", "--suffix", "", "", "123"});
+  ScannerProgram scanner({"--line", "raw", "--suffix", "", "", "123"});
   Device device(-1);
   device.expect({"123"});
   scanner.unplug();
 }
 
 TEST(ScannerTool, EscapesStandForBytes) {
-  Scanner scanner({"--line", "raw", "--suffix", "3", "--escapes",
-                   "\\x02\\x00\\xFF\\xfe\\r\\n\\t\\\\x41", "\\x1D]"});
+  ScannerProgram scanner({"--line", "raw", "--suffix", "3", "--escapes",
+                          "\\x02\\x00\\xFF\\xfe\\r\\n\\t\\\\x41", "\\x1D]"});
   Device device(3);
   device.expect({std::string("\x02\0\xFF\xFE\r\n\t\\x41", 11), "\x1D]"});
   scanner.unplug();
 }
 
 TEST(ScannerTool, WithoutEscapesABackslashIsABackslash) {
-  Scanner scanner({"a\\x41"});
+  ScannerProgram scanner({"a\\x41"});
   Device device;
   device.expect({"a\\x41"});
   scanner.unplug();
@@ -173,7 +176,7 @@ TEST(ScannerTool, WithoutEscapesABackslashIsABackslash) {
 
 TEST(ScannerTool, LinesOfAFile) {
   const TemporaryFile file("1\nЖ\x1D 2\nthe last, without an end");
-  Scanner scanner({"--file", file.path});
+  ScannerProgram scanner({"--file", file.path});
   Device device;
   device.expect({"1", "Ж\x1D 2", "the last, without an end"});
   scanner.unplug();
@@ -181,7 +184,7 @@ TEST(ScannerTool, LinesOfAFile) {
 
 TEST(ScannerTool, LinesOfStandardInputAsTheyCome) {
   for (const Words& words : {Words(), Words{"--file", "-"}}) {
-    Scanner scanner(words);
+    ScannerProgram scanner(words);
     Device device;
     scanner.write("1\n2\n");
     device.expect({"1", "2"});
@@ -194,7 +197,7 @@ TEST(ScannerTool, LinesOfStandardInputAsTheyCome) {
 }
 
 TEST(ScannerTool, ASlowLineLosesNothingWhenItIsFramed) {
-  Scanner scanner({"--byte-delay", "2", "4600051000057", "12345"});
+  ScannerProgram scanner({"--byte-delay", "2", "4600051000057", "12345"});
   Device device;
   device.expect({"4600051000057", "12345"});
   scanner.unplug();
@@ -210,14 +213,14 @@ std::string readPort(std::size_t count) {
 }
 
 TEST(ScannerTool, DoesNotWaitForAReaderWhenToldNotTo) {
-  Scanner scanner({"--no-wait", "--line", "raw", "123", "45"});
+  ScannerProgram scanner({"--no-wait", "--line", "raw", "123", "45"});
   EXPECT_EQ(readPort(7), "123\r45\r");
   scanner.unplug();
 }
 
 TEST(ScannerTool, SeveralScansInOneWrite) {
   // The rate counts writes. At less than one a minute, only the first write comes.
-  Scanner scanner(
+  ScannerProgram scanner(
       {"--rate", "0.01", "--burst", "3", "--line", "raw", "--suffix", "10", "1", "2", "3", "4"});
   Device device(10);
   device.expect({"1", "2", "3"});
@@ -234,7 +237,7 @@ TEST(ScannerTool, LeavesAnExistingFileAtItsPortAlone) {
   std::filesystem::remove(kUsb1Path);
 }
 
-const Refusal kRefusals[] = {
+const Refusal kScannerRefusals[] = {
     {{}, 2, "a command is missing (see --help)", "нет команды (см. --help)"},
     {{"parallel"},
      2,
@@ -299,7 +302,7 @@ const Refusal kRefusals[] = {
 };
 
 TEST(ScannerTool, SaysInOneLineWhatIsWrong) {
-  for (const Refusal& refusal : kRefusals) {
+  for (const Refusal& refusal : kScannerRefusals) {
     rig::expectRefusal(rig::scannerPath(), refusal);
     EXPECT_FALSE(std::filesystem::is_symlink(kUsb1Path)) << refusal.english;
   }
@@ -344,7 +347,7 @@ TEST(ScannerTool, HelpMayStandAnywhereOnTheCommandLine) {
 }
 
 TEST(ScannerTool, ATextMayLookLikeAnOption) {
-  Scanner scanner({"--", "--help"});
+  ScannerProgram scanner({"--", "--help"});
   Device device;
   device.expect({"--help"});
   scanner.unplug();

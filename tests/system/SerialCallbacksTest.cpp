@@ -14,14 +14,14 @@
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
 using rig::ActingConnection;
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::SerialLine;
-
-constexpr std::int32_t kUsb1 = 129;
 
 // Holds an action back until the test has done its part: a component is used on one thread at a
 // time.

@@ -12,18 +12,18 @@
 
 #include "tests/rig/HostCodes.h"
 #include "tests/rig/RawDevice.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
 using rig::base64;
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::Event;
 using terminal::LineSetting;
 using terminal::SerialLine;
 
-constexpr std::int32_t kUsb1 = 129;
-
-const std::u16string kScanner = u"СканерШтрихкода";
+const std::u16string kBarcodeScanner = u"СканерШтрихкода";
 const std::u16string kInputDevice = u"УстройствоВвода";
 const std::u16string kCardReader = u"СчитывательМагнитныхКарт";
 
@@ -42,20 +42,20 @@ const std::u16string kReadable = u"A(029032208150)1";
 const std::u16string kEncoded = base64(kScan);
 
 const Raised kRaised[] = {
-    {kScanner, rig::kDataText, u"Штрихкод", u"Barcode", kText},
-    {kScanner, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
-    {kScanner, rig::kDataBase64, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
+    {kBarcodeScanner, rig::kDataText, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
+    {kBarcodeScanner, rig::kDataBase64, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
     {kInputDevice, rig::kDataBase64, u"ШтрихкодBase64", u"BarcodeBase64", kEncoded},
     {kCardReader, rig::kDataText, u"ДанныеКарты", u"TrackData", kText},
     {kCardReader, rig::kDataHumanReadable, u"Штрихкод", u"Barcode", kReadable},
     {kCardReader, rig::kDataBase64, u"ДанныеКартыBase64", u"TrackDataBase64", kEncoded},
     // Any other data type means text, and the event name follows from the bitwise or of both codes.
-    {kScanner, 3, u"Штрихкод", u"Barcode", kText},
-    {kScanner, 16, u"Штрихкод", u"Barcode", kText},
-    {kScanner, 18, u"ШтрихкодBase64", u"BarcodeBase64", kText},
-    {kScanner, 32, u"Штрихкод", u"Barcode", kText},
-    {kScanner, 99, u"Штрихкод", u"Barcode", kText},
-    {kScanner, -1, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, 3, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, 16, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, 18, u"ШтрихкодBase64", u"BarcodeBase64", kText},
+    {kBarcodeScanner, 32, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, 99, u"Штрихкод", u"Barcode", kText},
+    {kBarcodeScanner, -1, u"Штрихкод", u"Barcode", kText},
     {kCardReader, 16, u"Штрихкод", u"Barcode", kText},
     {kCardReader, 32, u"ДанныеКарты", u"TrackData", kText},
     {kCardReader, 34, u"ДанныеКартыBase64", u"TrackDataBase64", kText},

@@ -14,15 +14,15 @@
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/ThreadStart.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::LineSetting;
 using terminal::SerialLine;
-
-constexpr std::int32_t kUsb1 = 129;
 
 void expectScan(SerialDriver& driver, SerialLine& line, const std::u16string& id) {
   line.send("scan\r");

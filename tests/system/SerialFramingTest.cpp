@@ -10,18 +10,18 @@
 
 #include "tests/rig/HostCodes.h"
 #include "tests/rig/RawDevice.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using rig::base64;
+using rig::kUsb1;
 using rig::RawDevice;
 using rig::SerialDriver;
 using terminal::LineSetting;
 using terminal::SerialLine;
 using Messages = std::vector<std::u16string>;
-
-constexpr std::int32_t kUsb1 = 129;
 
 Messages base64Of(const std::vector<std::string>& messages) {
   Messages texts;

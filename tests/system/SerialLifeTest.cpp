@@ -14,14 +14,14 @@
 #include "tests/rig/OwnProcess.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/UsbPort.h"
 
 namespace {
 
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::LineSetting;
 using terminal::SerialLine;
-
-constexpr std::int32_t kUsb1 = 129;
 
 // While it exists, scans on all lines as fast as they accept data.
 class Flood {

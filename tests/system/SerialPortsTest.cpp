@@ -20,16 +20,16 @@
 #include "tests/rig/Program.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/rig/WithoutPrivilege.h"
 
 namespace {
 
+using rig::kUsb1;
+using rig::kUsb1Path;
 using rig::SerialDriver;
 using terminal::LineSetting;
 using terminal::SerialLine;
-
-constexpr std::int32_t kUsb1 = 129;
-const std::string kUsb1Path = "/dev/ttyUSB0";
 
 // The first and the last port of each family.
 constexpr std::pair<std::int32_t, const char*> kPortFiles[] = {

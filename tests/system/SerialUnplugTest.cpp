@@ -21,26 +21,26 @@
 #include "tests/rig/Program.h"
 #include "tests/rig/RawDevice.h"
 #include "tests/rig/Threads.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/rig/WithoutPrivilege.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using rig::kUsb1;
 using rig::SerialDriver;
 using terminal::LineSetting;
 using terminal::SerialLine;
 using Clock = std::chrono::steady_clock;
-
-constexpr std::int32_t kUsb1 = 129;
 
 long long milliseconds(Clock::duration time) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
 }
 
 // A scanner at one port, plugged in from the beginning.
-class Scanner {
+class PluggableScanner {
  public:
-  explicit Scanner(std::int32_t port = kUsb1, LineSetting setting = LineSetting::kFramed)
+  explicit PluggableScanner(std::int32_t port = kUsb1, LineSetting setting = LineSetting::kFramed)
       : path_(rig::portPath(port)), setting_(setting) {
     plugIn();
   }
@@ -62,7 +62,7 @@ class Scanner {
   std::optional<SerialLine> line_;
 };
 
-void expectScan(SerialDriver& driver, Scanner& scanner, const std::u16string& id,
+void expectScan(SerialDriver& driver, PluggableScanner& scanner, const std::u16string& id,
                 const std::string& scan = "scan") {
   scanner.send(scan + "\r");
   const terminal::Event event = driver.event();
@@ -75,7 +75,7 @@ void expectNothingMore(SerialDriver& driver) {
 }
 
 TEST(SerialUnplug, ScansGoOnUnderTheSameIdentifier) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   const std::u16string id = driver.open(kUsb1);
   scanner.awaitReader();
@@ -95,7 +95,7 @@ TEST(SerialUnplug, ScansGoOnUnderTheSameIdentifier) {
 }
 
 TEST(SerialUnplug, TheSpeedIsSetAgain) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   driver.component.setParameter(u"Speed", 57600);
   driver.open(kUsb1);
@@ -107,7 +107,7 @@ TEST(SerialUnplug, TheSpeedIsSetAgain) {
 }
 
 TEST(SerialUnplug, TheDescriptorIsClosedAtOnce) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   driver.open(kUsb1);
   scanner.awaitReader();
@@ -132,7 +132,7 @@ TEST(SerialUnplug, TheDescriptorIsClosedAtOnce) {
 TEST(SerialUnplug, AnUnfinishedMessageIsDropped) {
   // Also without a suffix, where the end of a burst ends a message.
   for (const std::int32_t suffix : {13, -1}) {
-    Scanner scanner(kUsb1, LineSetting::kRaw);
+    PluggableScanner scanner(kUsb1, LineSetting::kRaw);
     SerialDriver driver;
     terminal::EventQueue events;
     rig::GatedConnection gate(events, u"hold");
@@ -157,7 +157,7 @@ TEST(SerialUnplug, ClosingDoesNotWaitForTheScanner) {
   constexpr std::int32_t kPorts = 32;
   auto quickest = Clock::duration::max();
   for (int i = 0; i < 3; ++i) {
-    std::deque<Scanner> scanners;
+    std::deque<PluggableScanner> scanners;
     std::optional<rig::Driver> driver(std::in_place);
     for (std::int32_t port = kUsb1; port < kUsb1 + kPorts; ++port) {
       scanners.emplace_back(port);
@@ -178,7 +178,7 @@ TEST(SerialUnplug, ClosingDoesNotWaitForTheScanner) {
 
 TEST(SerialUnplug, ClosingAtTheMomentOfUnplugging) {
   SerialDriver driver;
-  Scanner scanner;
+  PluggableScanner scanner;
   const std::size_t threads = rig::settledThreadCount();
   const std::size_t descriptors = rig::descriptorCount();
   for (int i = 0; i < 100; ++i) {
@@ -196,7 +196,7 @@ TEST(SerialUnplug, ClosingAtTheMomentOfUnplugging) {
 }
 
 TEST(SerialUnplug, APortThatMayNotBeOpenedYetIsTriedAgain) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   std::u16string id;
   {
@@ -216,7 +216,7 @@ TEST(SerialUnplug, APortThatMayNotBeOpenedYetIsTriedAgain) {
 }
 
 TEST(SerialUnplug, AFileThatIsNotADeviceIsNotRead) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   std::u16string id;
   const pid_t reader = rig::threadAddedBy([&] { id = driver.open(kUsb1); });
@@ -239,7 +239,7 @@ TEST(SerialUnplug, AFileThatIsNotADeviceIsNotRead) {
 }
 
 TEST(SerialUnplug, TheHostsNewDeviceTakesThePortOver) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   const std::u16string lost = driver.open(kUsb1);
   scanner.awaitReader();
@@ -267,7 +267,7 @@ TEST(SerialUnplug, TheHostsNewDeviceTakesThePortOver) {
 }
 
 TEST(SerialUnplug, ADeviceThatHasNotNoticedItsLossLeavesToo) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   terminal::EventQueue events;
   rig::GatedConnection gate(events, u"hold");
@@ -288,7 +288,7 @@ TEST(SerialUnplug, ADeviceThatHasNotNoticedItsLossLeavesToo) {
 }
 
 TEST(SerialUnplug, DevicesOfAPortThatWasNeverLostShareIt) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   const std::u16string first = driver.open(kUsb1);
   const std::u16string second = driver.open(kUsb1);
@@ -297,7 +297,7 @@ TEST(SerialUnplug, DevicesOfAPortThatWasNeverLostShareIt) {
 }
 
 TEST(SerialUnplug, AThousandTimesWithAScanEach) {
-  Scanner scanner;
+  PluggableScanner scanner;
   SerialDriver driver;
   const std::u16string id = driver.open(kUsb1);
   scanner.awaitReader();
@@ -365,7 +365,7 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
     std::filesystem::remove(rig::portPath(port));
   }
   // A scanner that takes the place of a dead port is read at once.
-  Scanner scanner;
+  PluggableScanner scanner;
   scanner.awaitReader();
   expectScan(driver, scanner, driver.ids[0]);
 }
@@ -373,7 +373,7 @@ TEST(SerialUnplug, DeadPortsCostNextToNothing) {
 // On a cooked line, byte 4 ends a read like an end of file.
 TEST(SerialUnplug, AnEndOfFileCharacterIsNotAnUnplug) {
   SerialDriver driver;
-  Scanner scanner(kUsb1, LineSetting::kCooked);
+  PluggableScanner scanner(kUsb1, LineSetting::kCooked);
   driver.component.setParameter(u"Suffix", 10);
   driver.open(kUsb1);
   scanner.awaitReader();

@@ -17,13 +17,14 @@
 #include "tests/rig/Environment.h"
 #include "tests/rig/HostDoubles.h"
 #include "tests/rig/Patience.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/rig/XServer.h"
 #include "tools/common/KeyTyping.h"
 #include "tools/common/SerialLine.h"
 
 namespace {
 
-constexpr std::int32_t kUsb1 = 129;
+using rig::kUsb1;
 
 constexpr std::uint8_t kMask = 0x80;
 

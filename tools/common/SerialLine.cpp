@@ -102,7 +102,7 @@ bool SerialLine::send(std::string_view bytes, int cancel) {
       sleepUnlessCancelled(cancel);
       continue;
     }
-    const ssize_t written = write(master_.get(), bytes.data(), bytes.size());
+    const ssize_t written = ::write(master_.get(), bytes.data(), bytes.size());
     if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
     check(written >= 0, "cannot send");
     bytes.remove_prefix(static_cast<std::size_t>(written));

@@ -24,6 +24,8 @@ Finding makeFinding(const FindingText& text, Particulars particulars) {
   return {text.id, filled(say(text.text), particulars), filled(say(text.remedy), particulars)};
 }
 
+void append(Findings& to, const Findings& more) { to.insert(to.end(), more.begin(), more.end()); }
+
 bool contains(const Findings& findings, const std::string& id) {
   return std::any_of(findings.begin(), findings.end(),
                      [&](const Finding& finding) { return finding.id == id; });

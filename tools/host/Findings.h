@@ -29,6 +29,8 @@ using Particulars = std::initializer_list<std::pair<const char*, std::string>>;
 // Particulars are made safe to show. Every one that the text names must be given.
 Finding makeFinding(const FindingText& text, Particulars particulars = {});
 
+void append(Findings& to, const Findings& more);
+
 bool contains(const Findings& findings, const std::string& id);
 
 // "id: text", and the remedy on a line of its own.

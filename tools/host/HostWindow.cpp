@@ -11,15 +11,15 @@
 namespace terminal {
 namespace {
 
-constexpr Text kNoDisplay = {"there is no X display to show a window on",
-                             "нет X-дисплея, чтобы показать окно"};
+constexpr Text kNoDisplayForWindow = {"there is no X display to show a window on",
+                                      "нет X-дисплея, чтобы показать окно"};
 constexpr unsigned kWidth = 480;
 constexpr unsigned kHeight = 60;
 
 }  // namespace
 
 HostWindow::HostWindow(const std::string& title) {
-  if (!display_) throw std::runtime_error(say(kNoDisplay));
+  if (!display_) throw std::runtime_error(say(kNoDisplayForWindow));
   Display* const display = display_.get();
   const int screen = DefaultScreen(display);
   window_ = XCreateSimpleWindow(display, RootWindow(display, screen), 0, 0, kWidth, kHeight, 0, 0,

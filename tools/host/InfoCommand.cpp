@@ -11,7 +11,7 @@
 namespace terminal {
 namespace {
 
-constexpr Text kNoArguments = {"info takes no arguments", "info не принимает аргументов"};
+constexpr Text kInfoNoArguments = {"info takes no arguments", "info не принимает аргументов"};
 
 constexpr Text kVersion = {"version", "версия"};
 constexpr Text kMethods = {"methods", "методы"};
@@ -77,7 +77,7 @@ Shows the component's classes with their version, description and methods.
 )"};
 
 int runInfo(ComponentLibrary& library, const Arguments& arguments) {
-  if (!readOptions(arguments, {}).empty()) throw UsageError(say(kNoArguments));
+  if (!readOptions(arguments, {}).empty()) throw UsageError(say(kInfoNoArguments));
   std::istringstream names(toUtf8(copyOf(library.GetClassNames())));
   for (std::string name; std::getline(names, name, '|');) printClass(library, toHostText(name));
   return 0;

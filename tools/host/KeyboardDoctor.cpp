@@ -3,6 +3,7 @@
 #include "tools/host/EventData.h"
 #include "tools/host/KeyboardExamination.h"
 #include "tools/host/KeyboardWatch.h"
+#include "tools/host/ScanEnd.h"
 
 namespace terminal {
 namespace {
@@ -41,21 +42,16 @@ constexpr FindingText kGsAsKey = {
      "в скане пришла клавиша без символа, которой, вероятно, передан разделитель групп (GS)"},
     {"--set GSSymbolKey={key}", "--set GSSymbolKey={key}"}};
 
-void append(Findings& to, const Findings& more) { to.insert(to.end(), more.begin(), more.end()); }
-
-bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
-
 // What keeps the keys from becoming the scan that was scanned.
 Findings findingsOf(const KeySample& keys, int device, const DriverSettings& settings) {
-  const bool endsInControl = !keys.bytes.empty() && isControl(keys.bytes.back());
-  const auto end = endsInControl ? static_cast<unsigned char>(keys.bytes.back()) : 0;
+  const auto end = controlAtEnd(keys.bytes);
   const Particulars particulars = {{"bytes", keys.bytes},
                                    {"suffix", std::to_string(settings.suffix)},
-                                   {"end", std::to_string(end)},
+                                   {"end", std::to_string(end.value_or(0))},
                                    {"device", std::to_string(device)},
                                    {"key", std::to_string(keys.separatorKey.value_or(-1))}};
   Findings found;
-  if (!keys.hasEnd) found.push_back(makeFinding(endsInControl ? kNoEnd : kNoEndAtAll, particulars));
+  if (!keys.hasEnd) found.push_back(makeFinding(end ? kNoEnd : kNoEndAtAll, particulars));
   if (keys.isForeign) found.push_back(makeFinding(kLayout, particulars));
   if (keys.separatorKey) found.push_back(makeFinding(kGsAsKey, particulars));
   return found;

@@ -11,6 +11,7 @@
 
 #include "tools/common/KeyTyping.h"
 #include "tools/host/KeyboardExamination.h"
+#include "tools/host/TimeLeft.h"
 
 namespace terminal {
 namespace {
@@ -20,8 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr char kGroupSeparator = 29;
 // A wireless scanner may pause within a scan.
-constexpr milliseconds kSilence{1500};
-constexpr milliseconds kStep{1000};
+constexpr milliseconds kKeySilence{1500};
 
 // Keys that type no character, in the order of the values of GSSymbolKey.
 constexpr KeySym kSeparatorKeys[] = {
@@ -130,10 +130,6 @@ class KeyReader {
   KeySample sample_;
 };
 
-milliseconds until(Clock::time_point time) {
-  return std::max(milliseconds(0), std::chrono::ceil<milliseconds>(time - Clock::now()));
-}
-
 }  // namespace
 
 KeySample takeKeys(XDisplay& display, int device, const DriverSettings& settings,
@@ -144,17 +140,17 @@ KeySample takeKeys(XDisplay& display, int device, const DriverSettings& settings
   Clock::time_point last = Clock::now() + patience;
   bool anyCame = false;
   while (display && !reader.sample().hasEnd) {
-    if (!anyCame) waiting(std::chrono::ceil<std::chrono::seconds>(until(last)));
+    if (!anyCame) waiting(std::chrono::ceil<std::chrono::seconds>(timeUntil(last)));
     XFlush(display.get());
     if (reader.takeAll()) {
       anyCame = true;
-      last = Clock::now() + kSilence;
+      last = Clock::now() + kKeySilence;
       continue;
     }
-    const milliseconds left = until(last);
+    const milliseconds left = timeUntil(last);
     if (left.count() == 0) break;
     pollfd waits[] = {{ConnectionNumber(display.get()), POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
-    if (poll(waits, 2, static_cast<int>(std::min(left, kStep).count())) > 0 && waits[1].revents) {
+    if (poll(waits, 2, waitStep(left)) > 0 && waits[1].revents) {
       break;
     }
   }

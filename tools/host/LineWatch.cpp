@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "tools/host/SerialExamination.h"
+#include "tools/host/TimeLeft.h"
 
 namespace terminal {
 namespace {
@@ -20,17 +21,12 @@ using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
 // How long a line is silent after the last byte of a scan, however slow it is.
-constexpr milliseconds kSilence{400};
-constexpr milliseconds kStep{1000};
+constexpr milliseconds kLineSilence{400};
 // Far more than a scan: something else is sending.
 constexpr std::size_t kEnough = 65536;
 
 void check(bool done, const std::string& what) {
   if (!done) throw std::system_error(errno, std::generic_category(), what);
-}
-
-milliseconds until(Clock::time_point time) {
-  return std::max(milliseconds(0), std::chrono::ceil<milliseconds>(time - Clock::now()));
 }
 
 }  // namespace
@@ -63,11 +59,11 @@ LineSample LineWatch::take(milliseconds patience, const EndSignals& end,
   std::optional<Clock::time_point> lastBurst;
   std::size_t taken = 0;
   while (!sample.isUnplugged && taken < kEnough) {
-    if (!lastBurst) waiting(std::chrono::ceil<std::chrono::seconds>(until(givingUp)));
-    const milliseconds left = until(lastBurst ? *lastBurst + kSilence : givingUp);
+    if (!lastBurst) waiting(std::chrono::ceil<std::chrono::seconds>(timeUntil(givingUp)));
+    const milliseconds left = timeUntil(lastBurst ? *lastBurst + kLineSilence : givingUp);
     if (left.count() == 0) break;
     pollfd waits[] = {{port_.get(), POLLIN, 0}, {end.descriptor(), POLLIN, 0}};
-    const int ready = poll(waits, 2, static_cast<int>(std::min(left, kStep).count()));
+    const int ready = poll(waits, 2, waitStep(left));
     if (ready > 0 && waits[1].revents) {
       sample.isInterrupted = true;
       break;

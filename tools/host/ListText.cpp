@@ -13,7 +13,7 @@
 namespace terminal {
 namespace {
 
-constexpr Text kPort = {"port ", "порт "};
+constexpr Text kPortNumber = {"port ", "порт "};
 constexpr Text kInWindow = {" (test window: ", " (в окне теста: "};
 constexpr Text kSerialNumber = {"serial number ", "серийный номер "};
 constexpr Text kBaud = {" baud", " бод"};
@@ -23,7 +23,8 @@ constexpr Text kSwitchedOff = {"switched off", "отключена"};
 constexpr Text kNamesake = {"a later keyboard has the same name, and the component reads that one",
                             "ниже есть клавиатура с тем же именем, и компонента читает её"};
 constexpr Text kNoPorts = {"no serial ports", "последовательных портов нет"};
-constexpr Text kNoDisplay = {"no keyboards: there is no X display", "клавиатур нет: нет X-дисплея"};
+constexpr Text kNoKeyboardList = {"no keyboards: there is no X display",
+                                  "клавиатур нет: нет X-дисплея"};
 constexpr Text kNoKeyboards = {"no keyboards", "клавиатур нет"};
 
 void printLine(const std::string& text) {
@@ -66,7 +67,7 @@ std::string holdersLine(const SerialExamination& examined) {
 
 void print(const ListedPort& port) {
   const std::int32_t number = port.number;
-  std::cout << portFile(number) << ": " << say(kPort) << number << ", " << formName(number)
+  std::cout << portFile(number) << ": " << say(kPortNumber) << number << ", " << formName(number)
             << say(kInWindow) << windowName(number) << ")\n";
   printLine(productLine(port.product));
   printLine(visible(port.link));
@@ -93,7 +94,7 @@ void printPorts(const std::vector<ListedPort>& ports) {
 void printKeyboards(XDisplay& display) {
   std::vector<XInputDevice> keyboards = display.devices();
   std::erase_if(keyboards, [](const XInputDevice& device) { return !device.isKeyboard; });
-  if (keyboards.empty()) std::cout << say(display ? kNoKeyboards : kNoDisplay) << '\n';
+  if (keyboards.empty()) std::cout << say(display ? kNoKeyboards : kNoKeyboardList) << '\n';
   for (auto keyboard = keyboards.begin(); keyboard != keyboards.end(); ++keyboard) {
     print(*keyboard, std::any_of(keyboard + 1, keyboards.end(), [&](const XInputDevice& later) {
       return later.name == keyboard->name;

@@ -11,8 +11,6 @@
 namespace terminal {
 namespace {
 
-void append(Findings& to, const Findings& more) { to.insert(to.end(), more.begin(), more.end()); }
-
 // Reads the port until a scan has come, and says what the driver would make of it.
 void listen(std::int32_t port, const DriverSettings& settings, std::chrono::seconds patience,
             const EndSignals& end, Diagnosis& diagnosis) {

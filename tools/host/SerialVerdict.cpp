@@ -6,6 +6,7 @@
 #include "tools/common/VisibleText.h"
 #include "tools/host/LineModel.h"
 #include "tools/host/PortFile.h"
+#include "tools/host/ScanEnd.h"
 #include "tools/host/SerialFindings.h"
 #include "tools/host/SerialVerdictTexts.h"
 
@@ -23,18 +24,15 @@ bool isUtf8(const std::string& bytes) {
   return true;
 }
 
-bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
-
 // The code of the suffix that fits bytes without the expected one: their last control character,
 // or none.
 std::string fittingSuffix(const std::string& bytes) {
-  const bool ends = !bytes.empty() && isControl(bytes.back());
-  return ends ? std::to_string(static_cast<unsigned char>(bytes.back())) : "-1";
+  const auto control = controlAtEnd(bytes);
+  return control ? std::to_string(*control) : "-1";
 }
 
 std::string endOf(const std::string& bytes) {
-  if (bytes.empty() || !isControl(bytes.back())) return say(kNothing);
-  return bytes.substr(bytes.size() - 1);
+  return controlAtEnd(bytes) ? bytes.substr(bytes.size() - 1) : say(kNothing);
 }
 
 class Judge {

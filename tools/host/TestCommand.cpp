@@ -8,9 +8,9 @@
 namespace terminal {
 namespace {
 
-constexpr Text kNoArguments = {"test takes no arguments", "test не принимает аргументов"};
-constexpr Text kNoDisplay = {"there is no X display to show the window on",
-                             "нет X-дисплея, чтобы показать окно"};
+constexpr Text kTestNoArguments = {"test takes no arguments", "test не принимает аргументов"};
+constexpr Text kNoDisplayForTest = {"there is no X display to show the window on",
+                                    "нет X-дисплея, чтобы показать окно"};
 constexpr Text kNotTested = {"the component did not run the test", "компонента не выполнила тест"};
 
 constexpr Text kNoGtk = {
@@ -37,9 +37,9 @@ sends, and ends when it is closed. Needs an X display.
 )"};
 
 int runTest(ComponentLibrary& library, const Arguments& arguments) {
-  if (!readOptions(arguments, {}).empty()) throw UsageError(say(kNoArguments));
+  if (!readOptions(arguments, {}).empty()) throw UsageError(say(kTestNoArguments));
   // Without one the component reports success, and shows no window.
-  if (!XDisplay()) throw std::runtime_error(say(kNoDisplay));
+  if (!XDisplay()) throw std::runtime_error(say(kNoDisplayForTest));
   Component component(library, u"InputDevice");
   component.object().SetLocale(userLocale());
   if (!component.test()) throw std::runtime_error(say(kNotTested));

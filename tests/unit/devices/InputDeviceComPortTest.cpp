@@ -145,12 +145,12 @@ TEST(WaitForReadyRead, AnUnlimitedWaitEndsWhenDataArrives) {
   writer.join();
 }
 
-std::atomic<int> interruptions = 0;
+std::atomic<int> interruptionCount = 0;
 
 TEST(WaitForReadyRead, GoesOnAfterASignal) {
   struct sigaction count = {};
   struct sigaction before = {};
-  count.sa_handler = [](int) { ++interruptions; };  // and no SA_RESTART
+  count.sa_handler = [](int) { ++interruptionCount; };  // and no SA_RESTART
   sigaction(SIGUSR1, &count, &before);
   TestPipe pipe;
   // Waits for the waiter to sleep again rather than for the handler to run: the thread sanitizer
@@ -166,7 +166,7 @@ TEST(WaitForReadyRead, GoesOnAfterASignal) {
   EXPECT_TRUE(waitForReadyRead(pipe.readEnd.get(), kForever));
   interrupter.join();
   sigaction(SIGUSR1, &before, nullptr);
-  EXPECT_GT(interruptions, 0);
+  EXPECT_GT(interruptionCount, 0);
 }
 
 // Ports that no machine has.

@@ -20,7 +20,7 @@ namespace quorvel {
 namespace {
 
 namespace fs = std::filesystem;
-using Builder = LinuxParametersTableBuilder;
+using LinuxBuilder = LinuxParametersTableBuilder;
 
 // Replaces find(1) with a program that prints what the test wants for each pattern, leaves nothing
 // else on the PATH, and removes the display.
@@ -48,7 +48,7 @@ class FakeFind {
 std::wstring comPorts(const std::string& lines) {
   FakeFind find;
   find.print("ttyS*", lines);
-  return Builder(false).GetCOMDevicesList("ttyS", L"COM", 0);
+  return LinuxBuilder(false).GetCOMDevicesList("ttyS", L"COM", 0);
 }
 
 std::wstring wideItem(const std::wstring& value, const std::wstring& text) {
@@ -56,16 +56,16 @@ std::wstring wideItem(const std::wstring& value, const std::wstring& text) {
 }
 
 std::string formOf(bool russian) {
-  Builder builder(russian);
+  LinuxBuilder builder(russian);
   builder.BuildProduct(false);
   return wstr2str(builder.GetProduct());
 }
 
 TEST(LinuxParametersTableBuilder, OverridesInTheSameSlots) {
-  EXPECT_EQ(rig::slotOf(&Builder::BuildPortPart), 3u);
-  EXPECT_EQ(rig::slotOf(&Builder::BuildKeyboardDevicePart), 4u);
-  EXPECT_EQ(rig::slotOf(&Builder::BuildCOMPortSpeedPart), 6u);
-  EXPECT_EQ(sizeof(Builder), sizeof(ParametersTableBuilder));
+  EXPECT_EQ(rig::slotOf(&LinuxBuilder::BuildPortPart), 3u);
+  EXPECT_EQ(rig::slotOf(&LinuxBuilder::BuildKeyboardDevicePart), 4u);
+  EXPECT_EQ(rig::slotOf(&LinuxBuilder::BuildCOMPortSpeedPart), 6u);
+  EXPECT_EQ(sizeof(LinuxBuilder), sizeof(ParametersTableBuilder));
 }
 
 TEST(LinuxParametersTableBuilder, WholeFormWithoutDevices) {
@@ -96,7 +96,7 @@ TEST(LinuxParametersTableBuilder, WholeFormWithEveryFamily) {
 
 TEST(LinuxParametersTableBuilder, PortWithoutSerialDevices) {
   const FakeFind find;
-  Builder builder(false);
+  LinuxBuilder builder(false);
   builder.BuildPortPart();
   EXPECT_EQ(builder.GetProduct(),
             L"<Parameter Name=\"Port\" Caption=\"Port\" TypeValue=\"Number\" DefaultValue=\"0\">"
@@ -104,7 +104,7 @@ TEST(LinuxParametersTableBuilder, PortWithoutSerialDevices) {
 }
 
 TEST(LinuxParametersTableBuilder, ExtensionPointsAreEmpty) {
-  Builder builder(false);
+  LinuxBuilder builder(false);
   builder.BuildBitsPart();
   builder.BuildPrefixPart();
   builder.BuildKeyboardTimeoutPart(true);
@@ -114,7 +114,7 @@ TEST(LinuxParametersTableBuilder, ExtensionPointsAreEmpty) {
 
 TEST(COMDevicesList, IsEmptyWhenFindCannotRun) {
   const rig::ScopedVariable path("PATH", "");
-  EXPECT_EQ(Builder(false).GetCOMDevicesList("ttyS", L"COM", 0), L"");
+  EXPECT_EQ(LinuxBuilder(false).GetCOMDevicesList("ttyS", L"COM", 0), L"");
 }
 
 TEST(COMDevicesList, IsSortedNumerically) {
@@ -125,7 +125,7 @@ TEST(COMDevicesList, IsSortedNumerically) {
 TEST(COMDevicesList, CountsFromTheBaseOfTheFamily) {
   FakeFind find;
   find.print("ttyUSB*", "/dev/ttyUSB7\n");
-  EXPECT_EQ(Builder(true).GetCOMDevicesList("ttyUSB", L"USB COM", 128),
+  EXPECT_EQ(LinuxBuilder(true).GetCOMDevicesList("ttyUSB", L"USB COM", 128),
             wideItem(L"136", L"USB COM8"));
 }
 
@@ -157,9 +157,9 @@ TEST(COMDevicesList, AcceptsNumbersOutOfRange) {
 
 TEST(EventDeviceList, IsEmptyWithoutADisplay) {
   const rig::ScopedVariable none("DISPLAY", std::nullopt);
-  EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
+  EXPECT_EQ(LinuxBuilder(false).GetEventDeviceListEnties(), L"");
   const rig::ScopedVariable unreachable("DISPLAY", ":nowhere");
-  EXPECT_EQ(Builder(false).GetEventDeviceListEnties(), L"");
+  EXPECT_EQ(LinuxBuilder(false).GetEventDeviceListEnties(), L"");
 }
 
 }  // namespace
