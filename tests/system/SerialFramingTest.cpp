@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <functional>
 #include <iostream>
@@ -239,14 +240,19 @@ TEST(SerialSizes, AFramedScanOf4095Bytes) {
 
 // The bytes of a base64 text.
 std::string bytesOf(const std::u16string& text) {
+  static const std::array<unsigned, 128> values = [] {
+    std::array<unsigned, 128> all = {};
+    for (unsigned value = 0; value < 64; ++value) {
+      all.at(base64(std::string(1, static_cast<char>(value << 2)))[0]) = value;
+    }
+    return all;
+  }();
   std::string bytes;
   unsigned bits = 0;
   int count = 0;
   for (const char16_t character : text) {
     if (character == u'=') break;
-    unsigned value = 0;
-    while (base64(std::string(1, static_cast<char>(value << 2)))[0] != character) ++value;
-    bits = bits << 6 | value;
+    bits = bits << 6 | values.at(character);
     count += 6;
     if (count < 8) continue;
     count -= 8;
