@@ -91,7 +91,7 @@
   X(gtk_tree_view_column_set_resizable)       \
   X(gtk_tree_view_column_set_sizing)          \
   X(gtk_tree_view_columns_autosize)           \
-  X(gtk_tree_view_expand_all)                 \
+  X(gtk_tree_view_expand_row)                 \
   X(gtk_tree_view_get_column)                 \
   X(gtk_tree_view_get_path_at_pos)            \
   X(gtk_tree_view_get_selection)              \

@@ -1,6 +1,8 @@
 #include "dialog/ListColumns.h"
 
 #include <algorithm>
+#include <set>
+#include <string>
 
 #include "dialog/Gtk.h"
 
@@ -12,6 +14,13 @@ constexpr gint kPosition = 0;
 // In pixels. The list is never narrower than 480, so most of it is left to the data.
 constexpr gint kNarrowest = 70;
 constexpr gint kWidest = 200;
+
+// For which there is room already: measuring a text takes as long as all else that a row costs. Of
+// the window that is open; used on the main thread only.
+std::set<std::string>& fittingSources() {
+  static auto& sources = *new std::set<std::string>;
+  return sources;
+}
 
 GtkTreeViewColumn* columnOf(GtkTreeView* list) { return gtk_tree_view_get_column(list, kPosition); }
 
@@ -70,6 +79,7 @@ GtkTreeViewColumn* addColumn(GtkTreeView* list, GtkCellRenderer* cell, gint mode
 }  // namespace
 
 void addColumns(GtkTreeView* list, GtkCellRenderer* cell, gint sources, gint data) {
+  fittingSources().clear();
   GtkTreeViewColumn* const column = addColumn(list, cell, sources, PANGO_ELLIPSIZE_END);
   gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
   gtk_tree_view_column_set_fixed_width(column, kNarrowest);
@@ -80,6 +90,7 @@ void addColumns(GtkTreeView* list, GtkCellRenderer* cell, gint sources, gint dat
 }
 
 void makeRoomForSource(GtkTreeView* list, const char* source) {
+  if (!fittingSources().insert(source).second) return;
   GtkTreeViewColumn* const column = columnOf(list);
   const gint width = std::min(widthFor(list, source), kWidest);
   if (width > gtk_tree_view_column_get_fixed_width(column)) {
@@ -88,6 +99,7 @@ void makeRoomForSource(GtkTreeView* list, const char* source) {
 }
 
 void resetWidths(GtkTreeView* list) {
+  fittingSources().clear();
   gtk_tree_view_column_set_fixed_width(columnOf(list), kNarrowest);
   gtk_tree_view_columns_autosize(list);
 }

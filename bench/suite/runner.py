@@ -25,6 +25,7 @@ BENCHMARKS = {
     "base64": "the coder, beside GLib's",
     "text": "the readable form, beside a loop that copies",
     "form": "the settings form, beside listing the devices",
+    "window": "the test window, beside a bare list",
     "load": "loading the library, beside libX11 and libXi",
 }
 
