@@ -42,13 +42,13 @@ double latencyOfOneScan(rig::SerialDriver& driver, std::size_t port) {
 }
 
 struct OpenPorts {
-  std::vector<double> latencies;
+  std::vector<double> inUse;      // latencies at the one port that is scanned at, in microseconds
+  std::vector<double> scattered;  // at another port than the last scan each, whose thread is cold
   double memory = 0;
   std::size_t threads = 0;
 };
 
-// So many ports, opened on top of what is there; then scans, each at another port than the last
-// one.
+// So many ports, opened on top of what is there; then scans.
 OpenPorts openAndScan(std::int32_t count, std::int64_t scans) {
   rig::SerialDriver driver;
   for (std::int32_t port = 1; port <= count; ++port) driver.plugIn(port);
@@ -56,13 +56,21 @@ OpenPorts openAndScan(std::int32_t count, std::int64_t scans) {
   const double memory = ownMemory();
   const std::size_t threads = rig::settledThreadCount();
   for (std::int32_t port = 1; port <= count; ++port) driver.open(port);
+  const auto last = static_cast<std::size_t>(count) - 1;
+  for (std::int64_t scan = 0; scan < scans; ++scan) {
+    result.inUse.push_back(latencyOfOneScan(driver, last));
+  }
   for (std::int64_t scan = 0; scan < scans; ++scan) {
     const auto port = static_cast<std::size_t>(scan * 7 % count);
-    result.latencies.push_back(latencyOfOneScan(driver, port));
+    result.scattered.push_back(latencyOfOneScan(driver, port));
   }
   result.memory = ownMemory() - memory;
   result.threads = rig::settledThreadCount() - threads;
   return result;
+}
+
+void append(std::vector<double>& all, const std::vector<double>& some) {
+  all.insert(all.end(), some.begin(), some.end());
 }
 
 // The numbers of ports take turns, so that whatever else the machine does meets all alike.
@@ -73,18 +81,20 @@ void openPorts(benchmark::State& state) {
   for (auto iteration : state) {
     for (const std::int32_t count : kCounts) {
       const OpenPorts turn = openAndScan(count, bench::repetitions(kScansPerTurn));
-      std::vector<double>& all = of[count].latencies;
-      all.insert(all.end(), turn.latencies.begin(), turn.latencies.end());
+      append(of[count].inUse, turn.inUse);
+      append(of[count].scattered, turn.scattered);
       if (of[count].threads == 0) of[count].memory = turn.memory;
       of[count].threads = turn.threads;
     }
-    state.SetIterationTime(of[kMost].latencies.back() / 1e6);
+    state.SetIterationTime(of[kMost].inUse.back() / 1e6);
   }
   const OpenPorts& one = of[1];
   for (const std::int32_t count : kCounts) {
     const OpenPorts& ports = of[count];
-    const double latency = bench::medianOf(ports.latencies);
-    bench::reportPoint("ports-latency", "a scan at one of them, p50", count, latency);
+    const double latency = bench::medianOf(ports.inUse);
+    const double scattered = bench::medianOf(ports.scattered);
+    bench::reportPoint("ports-latency", "scans at one of them, p50", count, latency);
+    bench::reportPoint("ports-latency", "each scan at another of them, p50", count, scattered);
     bench::reportPoint("ports-memory", "memory of all", count, ports.memory);
     if (count == 1) continue;
     const std::string what = std::to_string(count) + " ports open, ";
@@ -92,9 +102,14 @@ void openPorts(benchmark::State& state) {
                             .reference = "1 port",
                             .unit = "µs",
                             .own = latency,
-                            .ofReference = bench::medianOf(one.latencies)};
+                            .ofReference = bench::medianOf(one.inUse)};
     if (count == kMost) figure.atMost = 1.3;
     bench::report(figure);
+    bench::report({.what = what + "latency at changing ports, p50",
+                   .reference = "1 port",
+                   .unit = "µs",
+                   .own = scattered,
+                   .ofReference = bench::medianOf(one.inUse)});
     bench::report({.what = what + "memory of each",
                    .reference = "1 port",
                    .unit = "kB",
