@@ -13,7 +13,7 @@ ROOT = Path(os.environ["QUORVEL_SOURCES"])
 BENCH = ROOT / "scripts/bench"
 sys.path.insert(0, str(ROOT / "bench"))
 
-from suite import document, plots  # noqa: E402
+from suite import comparison, document, plots  # noqa: E402
 
 FAST = {"figure": "throughput", "reference": "GLib", "unit": "MB/s", "own": 130.0,
         "of_reference": 100.0, "ratio": 1.3, "at_least": 1.3}
@@ -77,7 +77,7 @@ class Programs(unittest.TestCase):
 
     def test_refuses_what_makes_no_sense(self):
         for words in (["--nonsense"], ["no-such-name"], ["--write", "text"], ["--write", "--quick"],
-                      ["--counts", "text"]):
+                      ["--counts", "text"], ["--counts", "--compare"], ["--compare", "--json"]):
             with self.subTest(words):
                 done = self.bench(*words)
                 self.assertEqual((done.returncode, done.stdout), (2, ""))
@@ -95,6 +95,18 @@ class Programs(unittest.TestCase):
         self.assertEqual([lines[0], lines[-1]], ["before", "after"])
         self.assertNotIn("old", lines)
         self.assertIn("| throughput | 130 MB/s | GLib | 100 MB/s | 1.3 | ≥ 1.3 | yes |", lines)
+
+    def test_says_which_ratios_are_worse_by_a_tenth(self):
+        slow = {**SLOW, "ratio": 1.4}
+        kept = self.folder / "ratios.json"
+        with mock.patch.object(comparison, "KEPT", kept):
+            comparison.write({"figures": [{**FAST, "ratio": 1.44}, {**SLOW, "ratio": 1.29}]})
+            self.assertEqual(comparison.lines({"figures": [FAST, slow, KNOWN]}), [
+                "WORSE by 11 %: throughput, beside GLib: 1.3, kept 1.44",
+                "2 ratios compared, 1 worse by a tenth or more"])
+            kept.unlink()
+            self.assertEqual(comparison.lines({"figures": [FAST]}),
+                             ["0 ratios compared, 0 worse by a tenth or more"])
 
     def test_draws_every_line_of_a_plot(self):
         other = {"plot": "serial-latency", "line": "bare", "points": [[5, 1]]}
