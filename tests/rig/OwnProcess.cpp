@@ -15,7 +15,7 @@ namespace rig {
 namespace {
 
 // In seconds; after that the alarm ends the process.
-constexpr unsigned kLongestLife = 120;
+constexpr unsigned kLongestLife = 300;
 
 [[noreturn]] void runAndExit(const std::function<void()>& body) {
   alarm(kLongestLife);

@@ -8,7 +8,7 @@ namespace rig {
 
 // The time limit for anything that must happen. Only a failing test waits this long, so it allows
 // for a busy machine.
-inline constexpr std::chrono::seconds kPatience{20};
+inline constexpr std::chrono::seconds kPatience{60};
 
 // Polls until the condition holds, for changes that no event announces. Throws std::runtime_error
 // with `what` in its message when it does not hold within kPatience.
