@@ -13,6 +13,7 @@
 #include "bench/Measure.h"
 #include "bench/Report.h"
 #include "performer/Equipment.h"
+#include "tools/common/IdleConnection.h"
 #include "util/Base64.h"
 #include "util/CodePages.h"
 #include "util/OutputData.h"
@@ -21,24 +22,14 @@ namespace {
 
 constexpr std::int64_t kEventsPerBatch = 1000;
 
-class IdleHost : public IAddInDefBaseEx {
+class IdleHost : public terminal::IdleConnection {
  public:
-  void Reserved2() override {}
-  void Reserved3() override {}
-  void Reserved4() override {}
-  void Reserved5() override {}
-  bool SetEventBufferDepth(long) override { return true; }
-  void Reserved7() override {}
   bool ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) override {
     benchmark::DoNotOptimize(source);
     benchmark::DoNotOptimize(message);
     benchmark::DoNotOptimize(data);
     return true;
   }
-  void Reserved9() override {}
-  void Reserved10() override {}
-  void Reserved11() override {}
-  void Reserved12() override {}
 };
 
 // What a reader does with a complete message, and the component with what the reader hands over.

@@ -10,8 +10,8 @@
 
 #include "addin/QuorvelNative.h"
 #include "fuzz/Require.h"
-#include "host/IAddInDefBaseEx.h"
 #include "host/IMemoryManager.h"
+#include "tools/common/IdleConnection.h"
 #include "util/Variants.h"
 
 namespace {
@@ -24,21 +24,6 @@ constexpr std::size_t kLongestText = 40;
 // Each call of these starts processes, which would leave little time for the others.
 constexpr long kGetParameters = 3;
 constexpr long kDeviceTest = 7;
-
-class Connection : public IAddInDefBaseEx {
- public:
-  void Reserved2() override {}
-  void Reserved3() override {}
-  void Reserved4() override {}
-  void Reserved5() override {}
-  bool SetEventBufferDepth(long) override { return true; }
-  void Reserved7() override {}
-  bool ExternalEvent(WCHAR_T*, WCHAR_T*, WCHAR_T*) override { return true; }
-  void Reserved9() override {}
-  void Reserved10() override {}
-  void Reserved11() override {}
-  void Reserved12() override {}
-};
 
 // Frees what it has given out when it is destroyed.
 class Memory : public IMemoryManager {
@@ -140,7 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const bool withoutDisplay = unsetenv("DISPLAY") == 0;
   require(withoutDisplay);
   FuzzedDataProvider input(data, size);
-  Connection connection;
+  terminal::IdleConnection connection;
   Memory memory;
   quorvel::QuorvelNative component(L"InputDevice", L"");
   component.setMemManager(&memory);

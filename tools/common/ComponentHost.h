@@ -11,10 +11,10 @@
 #include <string_view>
 #include <vector>
 
-#include "host/IAddInDefBaseEx.h"
 #include "host/IComponentBase.h"
 #include "host/IMemoryManager.h"
 #include "tools/common/EventQueue.h"
+#include "tools/common/IdleConnection.h"
 
 namespace terminal {
 
@@ -52,21 +52,12 @@ class HostMemory : public IMemoryManager {
 };
 
 // The connection that a component raises its events through, on any thread.
-class HostConnection : public IAddInDefBaseEx {
+class HostConnection : public IdleConnection {
  public:
   explicit HostConnection(EventQueue& events) : events_(events) {}
 
-  void Reserved2() override {}
-  void Reserved3() override {}
-  void Reserved4() override {}
-  void Reserved5() override {}
   bool SetEventBufferDepth(long depth) override;
-  void Reserved7() override {}
   bool ExternalEvent(WCHAR_T* source, WCHAR_T* message, WCHAR_T* data) override;
-  void Reserved9() override {}
-  void Reserved10() override {}
-  void Reserved11() override {}
-  void Reserved12() override {}
 
   // The depth that the component asked for; -1 until it does.
   long eventBufferDepth() const { return eventBufferDepth_; }
