@@ -4,6 +4,7 @@
 #include <exception>
 #include <utility>
 
+#include "host/MessageDropped.h"
 #include "util/ScopedWipe.h"
 
 namespace quorvel {
@@ -41,8 +42,10 @@ void MessageBytes::makeRoomFor(std::size_t count) {
 }
 
 void MessageBytes::drop() {
+  const bool isNews = !dropped_;
   clear();
   dropped_ = true;
+  if (isNews && QuorvelMessageDropped) QuorvelMessageDropped();
 }
 
 void MessageBytes::clear() {

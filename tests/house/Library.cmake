@@ -27,6 +27,11 @@ if(NOT names STREQUAL expected)
   message(SEND_ERROR "exports ${names} and not ${expected}")
 endif()
 
+# A host that wants to know exports it; no other has to.
+if(NOT imported MATCHES " w QuorvelMessageDropped\n")
+  message(SEND_ERROR "does not tell hosts of the messages that it drops")
+endif()
+
 if(NOT dynamic MATCHES "\\(FLAGS_1\\)[^\n]*NODELETE")
   message(SEND_ERROR "has no mark that it stays loaded")
 endif()

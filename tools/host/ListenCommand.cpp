@@ -69,6 +69,7 @@ void printUntilEnd(EventQueue& events, const ListenOptions& listen, PresenceTell
     }
     if (window && window->isClosed()) return;
     presence.look();
+    tellDroppedMessages();
     hint.look();
   }
 }
@@ -133,6 +134,7 @@ int runListen(ComponentLibrary& library, const Arguments& arguments) {
   while (const auto event = component.events().take(std::chrono::milliseconds(0))) {
     print(*event, listen.format);
   }
+  tellDroppedMessages();
   return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/common/VisibleText.h"
+#include "tools/host/DroppedMessages.h"
 #include "tools/host/KeyboardExamination.h"
 #include "tools/host/PortFile.h"
 #include "tools/host/SerialFindings.h"
@@ -15,6 +16,11 @@ constexpr Text kSilence = {"nothing has come yet; to find out why: ",
                            "пока ничего не пришло; выяснить почему: "};
 constexpr Text kGone = {"the device has gone: ", "устройство отключено: "};
 constexpr Text kBack = {"the device is back: ", "устройство снова подключено: "};
+
+constexpr Text kDropped = {
+    "messages dropped, each too long (over 1 MiB) or without memory for it: ",
+    "отброшено сообщений, слишком длинных (больше 1 МиБ) или без памяти для "
+    "них: "};
 
 // The shell command that runs the doctor on the device.
 std::string doctorCommand(const DeviceOptions& device) {
@@ -64,6 +70,12 @@ void PresenceTeller::look() {
   if (!identity_.empty()) tell(say(kGone) + name_);
   if (!identity.empty()) tell(say(kBack) + name_);
   identity_ = identity;
+}
+
+void tellDroppedMessages() {
+  if (const unsigned count = takeDroppedMessages()) {
+    tell(say(kWarning) + (say(kDropped) + std::to_string(count)));
+  }
 }
 
 void SilenceHint::look() {

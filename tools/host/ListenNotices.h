@@ -39,6 +39,9 @@ class PresenceTeller {
   std::string identity_;
 };
 
+// Warns of the messages that the driver has dropped since the last call.
+void tellDroppedMessages();
+
 // Says once, after a while without a scan, how to find out why.
 class SilenceHint {
  public:

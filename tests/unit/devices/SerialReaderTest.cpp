@@ -19,6 +19,7 @@
 #include "tests/rig/ScratchFolder.h"
 #include "tests/unit/devices/Messages.h"
 #include "tools/common/SerialLine.h"
+#include "tools/host/DroppedMessages.h"
 #include "util/PosixThread.h"
 
 namespace quorvel {
@@ -110,7 +111,9 @@ TEST(SerialReader, DropsAMessageOfMoreThanAMebibyteUpToItsEnd) {
   const rig::BeforeEachByte stopAtTheEnd([&] {
     if (++bytes == scans.size()) reader.stop();
   });
+  terminal::takeDroppedMessages();
   reader.run();
+  EXPECT_EQ(terminal::takeDroppedMessages(), 1U);
   ASSERT_EQ(messages.size(), 2U);
   EXPECT_TRUE(messages[0] == std::wstring(longest.begin(), longest.end()));
   EXPECT_EQ(messages[1], L"next");
