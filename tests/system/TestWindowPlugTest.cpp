@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -19,6 +20,7 @@ using rig::Row;
 using rig::scannerAt;
 using rig::TestWindow;
 using terminal::SerialLine;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
@@ -97,10 +99,16 @@ TEST_F(TestWindowPlug, ListensToAKeyboardThatIsSwitchedOnLater) {
     server.keyboard(1);
     client.setEnabled(client.device("Second"), false);
     rig::visitWindow([&](TestWindow& window) {
+      // A scan that is under way at another keyboard meanwhile stays whole.
+      terminal::type(server.keyboard(0), "46");
       client.setEnabled(client.device("Second"), true);
       server.reconnectKeyboard(1);
       awaitRowFrom(window, server.keyboard(1));
       EXPECT_EQ(window.row(0).source, "Second:");
+      terminal::type(server.keyboard(0), "00\r");
+      window.await("the scan",
+                   [&] { return std::ranges::count(window.rows(), "First:", &Row::source) > 0; });
+      EXPECT_THAT(window.rows(), Contains(Row{"First:", "4600 'CR' "}));
     });
   });
 }

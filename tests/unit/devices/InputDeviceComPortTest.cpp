@@ -77,6 +77,7 @@ TEST(WaitForReadyRead, TellsWhetherThereIsSomethingToRead) {
   TestPipe pipe;
   EXPECT_FALSE(waitForReadyRead(pipe.readEnd.get(), 0));
   EXPECT_FALSE(waitForReadyRead(pipe.readEnd.get(), 1));
+  EXPECT_FALSE(waitForReadyRead(pipe.readEnd.get(), 1001));
   pipe.write();
   EXPECT_TRUE(waitForReadyRead(pipe.readEnd.get(), 0));
   EXPECT_TRUE(waitForReadyRead(pipe.readEnd.get(), 1000));
