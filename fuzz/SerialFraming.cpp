@@ -1,4 +1,6 @@
 // A serial port that brings any bytes in any bursts, against a model of what makes a message.
+// Of a fortified C library's functions there are definitions already.
+#undef _FORTIFY_SOURCE
 #include <fuzzer/FuzzedDataProvider.h>
 #include <sys/syscall.h>
 #include <unistd.h>
