@@ -3,7 +3,7 @@
 # The product is tested as it is shipped; the tests themselves compile in half the time when they are
 # not optimized. What is precompiled fits only programs with the same options.
 function(quorvel_test_options target)
-  set_property(TARGET ${target} PROPERTY QUORVEL_UNOPTIMIZED ON)
+  set_property(TARGET ${target} PROPERTY QUORVEL_COMPILED_QUICKLY ON)
   target_compile_options(${target} PRIVATE -pthread)
 endfunction()
 
