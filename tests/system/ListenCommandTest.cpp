@@ -194,12 +194,16 @@ TEST(ListenCommand, WarnsWhenScansMayNotArrive) {
   EXPECT_THAT(second.errorLine(), StartsWith("внимание: линия без сборки (raw)"));
 }
 
-TEST(ListenCommand, SuggestsDoctorAfterASilence) {
-  const Scanner scanner;
+TEST(ListenCommand, SuggestsDoctorOnceAfterASilence) {
+  std::optional<Scanner> scanner(std::in_place);
   Program host(listenWords({"--port", "129"}), kEnglish);
   host.errorLine();
   EXPECT_EQ(host.errorLine(),
             "nothing has come yet; to find out why: quorvel-host doctor --port 129");
+  scanner.reset();
+  EXPECT_EQ(host.errorLine(), "the device has gone: /dev/ttyUSB0");
+  scanner.emplace();
+  EXPECT_EQ(host.errorLine(), "the device is back: /dev/ttyUSB0");
 }
 
 TEST(ListenCommand, AScanCannotDriveTheTerminal) {
