@@ -8,12 +8,17 @@ KEPT = ROOT / "bench/ratios.json"
 WORSE = 1.1
 
 
+def comparable(results):
+    """The figures but those whose reference is 0, of which there is no ratio."""
+    return [figure for figure in results["figures"] if figure["ratio"] is not None]
+
+
 def key(figure):
     return f"{figure['figure']}, beside {figure['reference']}"
 
 
 def write(results):
-    ratios = {key(figure): round(figure["ratio"], 3) for figure in results["figures"]}
+    ratios = {key(figure): round(figure["ratio"], 3) for figure in comparable(results)}
     KEPT.write_text(json.dumps(ratios, indent=1, ensure_ascii=False) + "\n", encoding="utf-8")
 
 
@@ -26,7 +31,7 @@ def worsening(figure, kept):
 def lines(results):
     """What is to be said of the figures: those that have become worse by a tenth."""
     kept = json.loads(KEPT.read_text(encoding="utf-8")) if KEPT.exists() else {}
-    compared = [figure for figure in results["figures"] if kept.get(key(figure))]
+    compared = [figure for figure in comparable(results) if kept.get(key(figure))]
     worse = []
     for figure in compared:
         by = worsening(figure, kept[key(figure)])

@@ -13,7 +13,7 @@ ROOT = Path(os.environ["QUORVEL_SOURCES"])
 BENCH = ROOT / "scripts/bench"
 sys.path.insert(0, str(ROOT / "bench"))
 
-from suite import comparison, document, plots  # noqa: E402
+from suite import comparison, document, plots, rounds  # noqa: E402
 
 FAST = {"figure": "throughput", "reference": "GLib", "unit": "MB/s", "own": 130.0,
         "of_reference": 100.0, "ratio": 1.3, "at_least": 1.3}
@@ -98,15 +98,23 @@ class Programs(unittest.TestCase):
 
     def test_says_which_ratios_are_worse_by_a_tenth(self):
         slow = {**SLOW, "ratio": 1.4}
+        without = {**KNOWN, "figure": "nothing", "of_reference": 0, "ratio": None}
         kept = self.folder / "ratios.json"
         with mock.patch.object(comparison, "KEPT", kept):
-            comparison.write({"figures": [{**FAST, "ratio": 1.44}, {**SLOW, "ratio": 1.29}]})
-            self.assertEqual(comparison.lines({"figures": [FAST, slow, KNOWN]}), [
+            before = [{**FAST, "ratio": 1.44}, {**SLOW, "ratio": 1.29}, without]
+            comparison.write({"figures": before})
+            self.assertEqual(comparison.lines({"figures": [FAST, slow, KNOWN, without]}), [
                 "WORSE by 11 %: throughput, beside GLib: 1.3, kept 1.44",
                 "2 ratios compared, 1 worse by a tenth or more"])
             kept.unlink()
             self.assertEqual(comparison.lines({"figures": [FAST]}),
                              ["0 ratios compared, 0 worse by a tenth or more"])
+
+    def test_takes_the_median_of_several_runs(self):
+        def run(ratio, failed):
+            return {"figures": [{**FAST, "ratio": ratio}, SLOW], "plots": [ratio], "failed": failed}
+        results = rounds.merged([run(3, {}), run(1, {"form": "why"}), run(2, {})])
+        self.assertEqual(results, {**run(2, {"form": "why"})})
 
     def test_draws_every_line_of_a_plot(self):
         other = {"plot": "serial-latency", "line": "bare", "points": [[5, 1]]}
