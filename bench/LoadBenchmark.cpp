@@ -6,9 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -16,6 +14,7 @@
 #include <vector>
 
 #include "bench/Measure.h"
+#include "bench/Memory.h"
 #include "bench/Report.h"
 #include "tests/rig/Program.h"
 
@@ -23,32 +22,10 @@ namespace {
 
 constexpr const char* kLoad = "--load";
 
-// In kilobytes. What is proportional to other users of the same pages is left out: it tells more
-// about the machine than about the library.
-struct Memory {
-  double resident = 0;
-  double dirty = 0;  // and private
-};
-
-Memory memoryInUse() {
-  Memory memory;
-  std::ifstream file("/proc/self/smaps_rollup");
-  file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-  std::string what;
-  while (file >> what) {
-    double kilobytes = 0;
-    file >> kilobytes;
-    file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-    if (what == "Rss:") memory.resident = kilobytes;
-    if (what == "Private_Dirty:") memory.dirty = kilobytes;
-  }
-  return memory;
-}
-
 // The host: loads libraries, and prints the seconds and the memory that they took.
 int load(const std::vector<const char*>& libraries) {
-  memoryInUse();  // so that what reading takes does not count
-  const Memory before = memoryInUse();
+  bench::memoryInUse();  // so that what reading takes does not count
+  const bench::Memory before = bench::memoryInUse();
   bool isLoaded = true;
   const double seconds = bench::processorSecondsOf(
       [&] {
@@ -56,7 +33,7 @@ int load(const std::vector<const char*>& libraries) {
           isLoaded &= dlopen(library, RTLD_NOW) != nullptr;
       },
       1);
-  const Memory after = memoryInUse();
+  const bench::Memory after = bench::memoryInUse();
   if (!isLoaded) {
     std::cerr << dlerror() << '\n';
     return EXIT_FAILURE;

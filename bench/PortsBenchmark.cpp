@@ -3,14 +3,13 @@
 
 #include <chrono>
 #include <cstddef>
-#include <fstream>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
 
 #include "bench/Measure.h"
+#include "bench/Memory.h"
 #include "bench/Report.h"
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/Threads.h"
@@ -22,17 +21,6 @@ using Microseconds = std::chrono::duration<double, std::micro>;
 constexpr std::string_view kScan = "4600051000057\r";
 constexpr std::int32_t kCounts[] = {1, 8, 64, 192};
 constexpr std::int32_t kMost = 192;
-
-// Of this process, resident and its own, in kilobytes.
-double ownMemory() {
-  std::ifstream file("/proc/self/smaps_rollup");
-  file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-  for (std::string word; file >> word;) {
-    double kilobytes = 0;
-    if (word == "Private_Dirty:" && file >> kilobytes) return kilobytes;
-  }
-  return 0;
-}
 
 double latencyOfOneScan(rig::SerialDriver& driver, std::size_t port) {
   std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -53,7 +41,7 @@ OpenPorts openAndScan(std::int32_t count, std::int64_t scans) {
   rig::SerialDriver driver;
   for (std::int32_t port = 1; port <= count; ++port) driver.plugIn(port);
   OpenPorts result;
-  const double memory = ownMemory();
+  const double memory = bench::memoryInUse().dirty;
   const std::size_t threads = rig::settledThreadCount();
   for (std::int32_t port = 1; port <= count; ++port) driver.open(port);
   const auto last = static_cast<std::size_t>(count) - 1;
@@ -64,7 +52,7 @@ OpenPorts openAndScan(std::int32_t count, std::int64_t scans) {
     const auto port = static_cast<std::size_t>(scan * 7 % count);
     result.scattered.push_back(latencyOfOneScan(driver, port));
   }
-  result.memory = ownMemory() - memory;
+  result.memory = bench::memoryInUse().dirty - memory;
   result.threads = rig::settledThreadCount() - threads;
   return result;
 }

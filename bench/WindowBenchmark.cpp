@@ -5,9 +5,7 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -16,6 +14,7 @@
 #include <vector>
 
 #include "bench/Measure.h"
+#include "bench/Memory.h"
 #include "bench/Report.h"
 #include "tests/rig/Environment.h"
 #include "tests/rig/Program.h"
@@ -38,16 +37,6 @@ constexpr int kRowsPerCallback = 64;  // as many as the test window's own
 constexpr int kWidth = 700;
 constexpr int kHeight = 500;
 
-double residentKilobytes() {
-  std::ifstream file("/proc/self/smaps_rollup");
-  file.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-  for (std::string word; file >> word;) {
-    double kilobytes = 0;
-    if (word == "Rss:" && file >> kilobytes) return kilobytes;
-  }
-  return 0;
-}
-
 // Until nothing is left to draw, by this process or by the server.
 void draw() {
   while (gtk_events_pending()) gtk_main_iteration();
@@ -59,12 +48,12 @@ void draw() {
 template <typename Fill>
 void measure(const Fill& fill) {
   draw();
-  const double memory = residentKilobytes();
+  const double memory = bench::memoryInUse().resident;
   const auto start = std::chrono::steady_clock::now();
   fill();
   draw();
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-  std::cout << time.count() << ' ' << residentKilobytes() - memory << '\n';
+  std::cout << time.count() << ' ' << bench::memoryInUse().resident - memory << '\n';
 }
 
 // Rows for the window come from a port without a suffix, where a message ends when there is nothing
