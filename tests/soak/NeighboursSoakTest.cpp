@@ -210,13 +210,15 @@ TEST_F(SoakOfNeighbours, KeyboardsOfAnyName) {
   while (names == 0 || Clock::now() < end) {
     constexpr std::size_t kLongest = 900;
     std::vector<std::string> keyboards(20);
-    for (std::string& name : keyboards) {
-      name.resize(random() % kLongest + 1);
+    for (std::size_t i = 0; i < keyboards.size(); ++i) {
+      std::string& name = keyboards[i];
+      name.resize(random() % kLongest);
       for (char& byte : name) {
         // The server reads them from a file, as texts between quotation marks.
         do byte = static_cast<char>(random() % 255 + 1);
         while (byte == '"' || byte == '\n' || byte == '\r');
       }
+      name += std::to_string(i);  // no two are to look the same
     }
     const rig::XServer server(keyboards);
     const rig::ScopedVariable display("DISPLAY", server.display());
