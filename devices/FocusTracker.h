@@ -30,6 +30,7 @@ class FocusTracker {
     Window window;
     std::optional<CardinalProperty> process;  // none: ask
   };
+
   bool query();
   // Whether an event tells of every change of the focus.
   bool eventsTellOfFocus();

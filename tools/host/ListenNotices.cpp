@@ -16,11 +16,8 @@ constexpr Text kSilence = {"nothing has come yet; to find out why: ",
                            "пока ничего не пришло; выяснить почему: "};
 constexpr Text kGone = {"the device has gone: ", "устройство отключено: "};
 constexpr Text kBack = {"the device is back: ", "устройство снова подключено: "};
-
-constexpr Text kDropped = {
-    "messages dropped, each too long (over 1 MiB) or without memory for it: ",
-    "отброшено сообщений, слишком длинных (больше 1 МиБ) или без памяти для "
-    "них: "};
+constexpr Text kDropped = {"messages dropped, each longer than 1 MiB or without memory for it: ",
+                           "отброшено сообщений длиннее 1 МиБ или без памяти для них: "};
 
 // The shell command that runs the doctor on the device.
 std::string doctorCommand(const DeviceOptions& device) {
