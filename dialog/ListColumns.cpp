@@ -24,10 +24,15 @@ std::set<std::string>& fittingSources() {
 
 GtkTreeViewColumn* columnOf(GtkTreeView* list) { return gtk_tree_view_get_column(list, kPosition); }
 
-// The renderer is shared with the other columns, which do not shorten their texts.
-void setEllipsis(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel*, GtkTreeIter*,
-                 gpointer mode) {
-  g_object_set(cell, "ellipsize", GPOINTER_TO_INT(mode), nullptr);
+// The columns share a renderer. A text that may be shortened asks for no width, which its column
+// would not heed: GTK would measure the font for each of them, and that takes as long as two texts.
+void shortenText(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel*, GtkTreeIter*, gpointer) {
+  g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_END, "width", 0, nullptr);
+}
+
+void showWholeText(GtkTreeViewColumn*, GtkCellRenderer* cell, GtkTreeModel*, GtkTreeIter*,
+                   gpointer) {
+  g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_NONE, "width", -1, nullptr);
 }
 
 // The width that the column needs to show all of `source`.
@@ -35,7 +40,7 @@ gint widthFor(GtkTreeView* list, const char* source) {
   GList* const cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(columnOf(list)));
   auto* const cell = static_cast<GtkCellRenderer*>(cells->data);
   g_list_free(cells);
-  g_object_set(cell, "text", source, "ellipsize", PANGO_ELLIPSIZE_NONE, nullptr);
+  g_object_set(cell, "text", source, "ellipsize", PANGO_ELLIPSIZE_NONE, "width", -1, nullptr);
   gint width = 0;
   gtk_cell_renderer_get_size(cell, GTK_WIDGET(list), nullptr, nullptr, nullptr, &width, nullptr);
   gint separator = 0;
@@ -67,11 +72,10 @@ gboolean showWholeSource(GtkWidget* widget, gint x, gint y, gboolean byKeyboard,
 }
 
 GtkTreeViewColumn* addColumn(GtkTreeView* list, GtkCellRenderer* cell, gint modelColumn,
-                             PangoEllipsizeMode ellipsis) {
+                             GtkTreeCellDataFunc prepare) {
   GtkTreeViewColumn* const column =
       gtk_tree_view_column_new_with_attributes("", cell, "text", modelColumn, nullptr);
-  gtk_tree_view_column_set_cell_data_func(column, cell, setEllipsis, GINT_TO_POINTER(ellipsis),
-                                          nullptr);
+  gtk_tree_view_column_set_cell_data_func(column, cell, prepare, nullptr, nullptr);
   gtk_tree_view_append_column(list, column);
   return column;
 }
@@ -80,11 +84,11 @@ GtkTreeViewColumn* addColumn(GtkTreeView* list, GtkCellRenderer* cell, gint mode
 
 void addColumns(GtkTreeView* list, GtkCellRenderer* cell, gint sources, gint data) {
   fittingSources().clear();
-  GtkTreeViewColumn* const column = addColumn(list, cell, sources, PANGO_ELLIPSIZE_END);
+  GtkTreeViewColumn* const column = addColumn(list, cell, sources, shortenText);
   gtk_tree_view_column_set_sizing(column, GTK_TREE_VIEW_COLUMN_FIXED);
   gtk_tree_view_column_set_fixed_width(column, kNarrowest);
   gtk_tree_view_column_set_resizable(column, TRUE);
-  addColumn(list, cell, data, PANGO_ELLIPSIZE_NONE);
+  addColumn(list, cell, data, showWholeText);
   gtk_widget_set_has_tooltip(GTK_WIDGET(list), TRUE);
   g_signal_connect(list, "query-tooltip", G_CALLBACK(showWholeSource), GINT_TO_POINTER(sources));
 }

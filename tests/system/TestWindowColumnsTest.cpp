@@ -40,10 +40,13 @@ GtkCellRenderer* cellOf(const TestWindow& window, GtkTreeViewColumn* column, int
   return cell;
 }
 
+// Of the whole text.
 int naturalWidth(const TestWindow& window, GtkTreeViewColumn* column, int row) {
+  GtkCellRenderer* const cell = cellOf(window, column, row);
+  g_object_set(cell, "ellipsize", PANGO_ELLIPSIZE_NONE, "width", -1, nullptr);
   int width = 0;
-  gtk_cell_renderer_get_size(cellOf(window, column, row), GTK_WIDGET(window.list()), nullptr,
-                             nullptr, nullptr, &width, nullptr);
+  gtk_cell_renderer_get_size(cell, GTK_WIDGET(window.list()), nullptr, nullptr, nullptr, &width,
+                             nullptr);
   return width;
 }
 
