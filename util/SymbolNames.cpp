@@ -15,12 +15,12 @@ constexpr std::array<std::wstring_view, 33> kNames = {
 constexpr std::uint32_t kDelete = 127;
 
 // wchar_t is signed in this ABI.
-std::uint32_t codeOf(wchar_t symbol) { return static_cast<std::uint32_t>(symbol); }
+std::uint32_t codePointOf(wchar_t symbol) { return static_cast<std::uint32_t>(symbol); }
 
 }  // namespace
 
 std::wstring GetSymbolName(wchar_t symbol) {
-  const std::uint32_t code = codeOf(symbol);
+  const std::uint32_t code = codePointOf(symbol);
   if (code < kNames.size()) return std::wstring(kNames[code]);
   return code == kDelete ? L"DEL" : L"";
 }
@@ -30,6 +30,6 @@ std::wstring FormatSymbolForDisplay(wchar_t symbol) {
   return name.empty() ? std::wstring(1, symbol) : L" '" + name + L"' ";
 }
 
-std::wstring FormatSymbolAsNumber(wchar_t symbol) { return std::to_wstring(codeOf(symbol)); }
+std::wstring FormatSymbolAsNumber(wchar_t symbol) { return std::to_wstring(codePointOf(symbol)); }
 
 }  // namespace quorvel

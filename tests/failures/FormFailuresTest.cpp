@@ -21,7 +21,7 @@ using rig::Sweep;
 constexpr unsigned kManyCalls = 10000;
 constexpr unsigned kSomeCalls = 61;
 
-const Sweep kSweeps[] = {
+const Sweep kFormSweeps[] = {
     {{"no memory for the driver", Call::kNew, ENOMEM}, 1, kManyCalls, kSomeCalls},
     {{"no memory for the driver", Call::kNew, ENOMEM}, FailingCalls::kEver, kManyCalls, kSomeCalls},
     {{"no memory", Call::kAllocate, ENOMEM}, 1, 0, 1, true},
@@ -65,7 +65,7 @@ TEST_P(FormFailures, TheNextFormIsWhole) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, FormFailures, testing::ValuesIn(kSweeps));
+INSTANTIATE_TEST_SUITE_P(All, FormFailures, testing::ValuesIn(kFormSweeps));
 
 // Without a display, and so without Xlib, every allocation is the driver's or the C library's.
 TEST(FormMemory, TheNextFormIsWhole) {

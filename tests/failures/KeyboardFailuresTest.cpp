@@ -15,7 +15,7 @@ using rig::Call;
 using rig::FailingCalls;
 using rig::Sweep;
 
-const Sweep kSweeps[] = {
+const Sweep kKeyboardSweeps[] = {
     {{"no memory for the driver", Call::kNew, ENOMEM}, 1},
     {{"no memory for the driver", Call::kNew, ENOMEM}, FailingCalls::kEver},
     {{"no memory", Call::kAllocate, ENOMEM}, 1, 0, 1, true},
@@ -52,6 +52,6 @@ TEST_P(KeyboardFailures, WhileItIsOpenedAndRead) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, KeyboardFailures, testing::ValuesIn(kSweeps));
+INSTANTIATE_TEST_SUITE_P(All, KeyboardFailures, testing::ValuesIn(kKeyboardSweeps));
 
 }  // namespace

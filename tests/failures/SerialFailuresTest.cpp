@@ -26,7 +26,7 @@ const Sweep kNoMemory[] = {
     {{"no memory", Call::kAllocate, ENOMEM}, kEver},
 };
 
-const Sweep kSweeps[] = {
+const Sweep kSerialSweeps[] = {
     kNoMemory[0],
     kNoMemory[1],
     {{"no file can be opened", Call::kOpen, EMFILE}, 1},
@@ -71,7 +71,7 @@ TEST_P(SerialFailures, WhileItIsOpenedAndRead) {
   failures::expectEndsOnlyIn(ends, {});
 }
 
-INSTANTIATE_TEST_SUITE_P(All, SerialFailures, testing::ValuesIn(kSweeps));
+INSTANTIATE_TEST_SUITE_P(All, SerialFailures, testing::ValuesIn(kSerialSweeps));
 
 class SerialEndFailures : public SerialFailures {};
 

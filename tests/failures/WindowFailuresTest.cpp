@@ -20,7 +20,7 @@ using rig::Sweep;
 // Each window takes GTK a while.
 constexpr unsigned kFew = 4;
 
-const Sweep kSweeps[] = {
+const Sweep kWindowSweeps[] = {
     {{"no memory for the driver", Call::kNew, ENOMEM}, 1, 150, 50},
     {{"waiting is interrupted", Call::kWait, EINTR}, 1, kFew},
     {{"no thread", Call::kStartThread, EAGAIN}, 1, kFew},
@@ -80,6 +80,6 @@ TEST_P(WindowFailures, ALaterScanArrives) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, WindowFailures, testing::ValuesIn(kSweeps));
+INSTANTIATE_TEST_SUITE_P(All, WindowFailures, testing::ValuesIn(kWindowSweeps));
 
 }  // namespace

@@ -11,12 +11,14 @@
 
 #include "tests/rig/Environment.h"
 #include "tests/rig/SerialDriver.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/soak/Figures.h"
 #include "tools/common/HostVariants.h"
 
 namespace {
 
-constexpr std::int32_t kUsb1 = 129;
+using rig::kUsb1;
+
 constexpr long kGetParameters = 3;  // starts processes
 constexpr long kDeviceTest = 7;
 

@@ -8,11 +8,12 @@
 #include "tests/rig/SerialDriver.h"
 #include "tests/rig/SharedXServer.h"
 #include "tests/rig/TestWindow.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/soak/Figures.h"
 
 namespace {
 
-constexpr std::int32_t kUsb1 = 129;
+using rig::kUsb1;
 
 TEST(SoakOfOpenings, OfAPort) {
   rig::SerialDriver driver;

@@ -5,14 +5,15 @@
 #include <string>
 
 #include "tests/rig/SerialDriver.h"
+#include "tests/rig/UsbPort.h"
 #include "tests/soak/Figures.h"
 #include "tests/soak/NumberedScans.h"
 
 namespace {
 
+using rig::kUsb1;
 using rig::SerialDriver;
 
-constexpr std::int32_t kUsb1 = 129;
 // While scans pour in the host goes on as hosts do: sets parameters, and the language again.
 void callMethods(SerialDriver& driver) {
   driver.component.setParameter(u"Speed", 115200);
