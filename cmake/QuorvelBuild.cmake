@@ -11,6 +11,12 @@ option(QUORVEL_FUZZ "Build the fuzz targets instead of the tests; needs clang" O
 option(QUORVEL_BUNDLE "Link the C++ runtime and pugixml in, as the packages have it" OFF)
 set(QUORVEL_SANITIZE "" CACHE STRING "Sanitizers to build with, as given to -fsanitize=")
 
+# The build that tests and measures whatever needs it only once.
+set(QUORVEL_IS_PRODUCT OFF)
+if(QUORVEL_WORD_SIZE EQUAL 32 AND NOT QUORVEL_SANITIZE)
+  set(QUORVEL_IS_PRODUCT ON)
+endif()
+
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 
@@ -37,8 +43,9 @@ if(QUORVEL_WERROR)
 endif()
 # A target sets this property where compiling takes longer than running: the tests. Fortified functions
 # need optimization; checks for undefined behaviour take half as long to compile as all else, and are of
-# use in what is shipped.
+# use in what is shipped. In the build type Debug a debugger shows the variables as well.
 set(quickly "$<BOOL:$<TARGET_PROPERTY:QUORVEL_COMPILED_QUICKLY>>")
+target_compile_options(quorvel_build INTERFACE "$<$<AND:${quickly},$<CONFIG:RelWithDebInfo>>:-O0;-g1>")
 if(QUORVEL_SANITIZE)
   target_compile_options(quorvel_build INTERFACE
     -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
@@ -60,7 +67,7 @@ else()
   unset(CMAKE_REQUIRED_FLAGS)
   set(QUORVEL_FORTIFY_LEVEL "$<IF:$<BOOL:${QUORVEL_FORTIFY_3}>,3,2>")
   target_compile_options(quorvel_build INTERFACE -U_FORTIFY_SOURCE
-    "$<IF:${quickly},-O0,-D_FORTIFY_SOURCE=${QUORVEL_FORTIFY_LEVEL}>")
+    "$<$<NOT:${quickly}>:-D_FORTIFY_SOURCE=${QUORVEL_FORTIFY_LEVEL}>")
 endif()
 if(QUORVEL_BUNDLE)
   # A host may bring a C++ runtime of its own, older than the one this was built with. Its symbols

@@ -1,7 +1,7 @@
 # How a built file, a library or a program, is hardened.
 #
 # cmake -D FILE=file -D NM=program -D READELF=program -D COMPILER=GNU|Clang -D WORD_SIZE=32|64
-#       [-D KIND=program] [-D SANITIZERS=list] -P Hardening.cmake
+#       [-D KIND=program] -P Hardening.cmake
 cmake_minimum_required(VERSION 3.25)
 
 function(run result)
@@ -27,14 +27,10 @@ if(KIND STREQUAL "program")
   expect("${header}" "Type: +DYN" "address that changes from run to run")
   expect("${dynamic}" "\\(FLAGS_1\\)[^\n]*PIE" "mark of a position-independent program")
 endif()
-# Sanitizers intercept the same calls as fortified functions, and see what the library's assertions
-# would.
-if(NOT SANITIZERS)
-  expect("${imported}" " __stack_chk_fail" "guarded stack frames")
-  expect("${imported}" " __[a-z]+_chk(@|\n)" "fortified functions")
-  file(STRINGS "${FILE}" assertions REGEX "__(glibcxx_assert_fail|replacement_assert)|%s:%d: %s: Assertion")
-  expect("${assertions}" "ssert" "containers that check their bounds")
-endif()
+expect("${imported}" " __stack_chk_fail" "guarded stack frames")
+expect("${imported}" " __[a-z]+_chk(@|\n)" "fortified functions")
+file(STRINGS "${FILE}" assertions REGEX "__(glibcxx_assert_fail|replacement_assert)|%s:%d: %s: Assertion")
+expect("${assertions}" "ssert" "containers that check their bounds")
 
 # GCC writes down the options of each source; equal lines are one in the file.
 if(COMPILER STREQUAL "GNU")
