@@ -51,6 +51,8 @@ if(QUORVEL_SANITIZE)
     -fsanitize=${QUORVEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     "$<${quickly}:-fno-sanitize=undefined>")
   target_link_options(quorvel_build INTERFACE -fsanitize=${QUORVEL_SANITIZE})
+  # For tests that take longer then; each compiler has macros of its own.
+  target_compile_definitions(quorvel_build INTERFACE QUORVEL_SANITIZED)
   if(QUORVEL_FUZZ)
     target_compile_options(quorvel_build INTERFACE -fsanitize=fuzzer-no-link)
   endif()

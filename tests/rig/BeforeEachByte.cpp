@@ -1,14 +1,13 @@
 #include "tests/rig/BeforeEachByte.h"
 
-#include <dlfcn.h>
 #include <sys/types.h>
 
 #include <cstddef>
 #include <utility>
 
-namespace {
+#include "tests/rig/ReplacedFunction.h"
 
-using Read = ssize_t (*)(int, void*, std::size_t);
+namespace {
 
 std::function<void()> action;
 
@@ -17,7 +16,7 @@ std::function<void()> action;
 // Overrides the C library's: the dynamic linker searches the program first.
 extern "C" __attribute__((visibility("default"))) ssize_t read(int descriptor, void* buffer,
                                                                std::size_t size) {
-  static const auto real = reinterpret_cast<Read>(dlsym(RTLD_NEXT, "read"));
+  static const auto real = rig::replacedFunction<ssize_t(int, void*, std::size_t)>("read");
   if (size == 1 && action) action();
   return real(descriptor, buffer, size);
 }

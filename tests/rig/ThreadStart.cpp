@@ -1,14 +1,13 @@
 #include "tests/rig/ThreadStart.h"
 
-#include <dlfcn.h>
 #include <pthread.h>
 
 #include <atomic>
 #include <cerrno>
 
-namespace {
+#include "tests/rig/ReplacedFunction.h"
 
-using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+namespace {
 
 std::atomic<bool> allowed = true;
 
@@ -18,7 +17,7 @@ std::atomic<bool> allowed = true;
 extern "C" __attribute__((visibility("default"))) int pthread_create(
     pthread_t* thread, const pthread_attr_t* attributes, void* (*function)(void*),
     void* argument) noexcept {
-  static const auto real = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+  static const auto real = rig::replacedFunction<decltype(pthread_create)>("pthread_create");
   return allowed ? real(thread, attributes, function, argument) : EAGAIN;
 }
 

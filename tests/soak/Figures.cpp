@@ -27,7 +27,7 @@ std::chrono::seconds duration() {
 }
 
 bool isMeasured() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUORVEL_SANITIZED
   return false;
 #else
   return std::getenv(kSeconds) != nullptr;

@@ -370,7 +370,7 @@ TEST(SerialLine, ALineThatCannotBeSetUpLeavesNoDescriptorBehind) {
   std::filesystem::remove(multiplexer);
   std::filesystem::create_symlink("null", multiplexer);
   const std::size_t before = rig::descriptorCount();
-  EXPECT_THROW(terminal::SerialLine(terminal::LineSetting::kRaw), std::system_error);
+  EXPECT_THROW(terminal::SerialLine{terminal::LineSetting::kRaw}, std::system_error);
   EXPECT_EQ(rig::descriptorCount(), before);
   std::filesystem::remove(multiplexer);
   std::filesystem::create_symlink(real, multiplexer);

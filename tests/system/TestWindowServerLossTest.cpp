@@ -16,7 +16,7 @@ namespace {
 using rig::XProxy;
 
 // Sanitizers make each process of the walk slow; there, every third request does.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUORVEL_SANITIZED
 constexpr unsigned kStep = 3;
 #else
 constexpr unsigned kStep = 1;

@@ -35,7 +35,7 @@ std::vector<std::string> randomRaws(unsigned seed) {
   rig::RandomBytes random(seed);
   std::vector<std::string> raws;
   for (std::size_t length = 0; length <= 64; ++length) raws.push_back(random.bytes(length));
-  for (const std::size_t length : {255, 256, 1000, 4095, 10000}) {
+  for (const std::size_t length : {255u, 256u, 1000u, 4095u, 10000u}) {
     raws.push_back(random.bytes(length));
   }
   return raws;
