@@ -33,14 +33,12 @@ std::optional<int> findDevice(const XConnection& connection, const std::string& 
   return id;
 }
 
-// The major opcode of the input extension, 0 without it. The server sends events of the version
-// that a client has asked for.
+// The major opcode of the input extension, 0 without it.
 int inputExtensionOf(const XConnection& connection) {
   int opcode = 0;
   connection.call([&](Display* display) {
-    int firstEvent = 0, firstError = 0, major = 2, minor = 0;
-    if (!XQueryExtension(display, "XInputExtension", &opcode, &firstEvent, &firstError)) return;
-    XIQueryVersion(display, &major, &minor);
+    int firstEvent = 0, firstError = 0;
+    XQueryExtension(display, "XInputExtension", &opcode, &firstEvent, &firstError);
   });
   return opcode;
 }

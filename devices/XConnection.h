@@ -19,7 +19,8 @@ class XConnection {
   // An empty connection.
   XConnection() = default;
 
-  // Connects to the display that the environment names. Empty when there is none. Any thread.
+  // Connects to the display that the environment names, as a client of version 2.0 of the input
+  // extension, if the server has it. Empty when there is no display. Any thread.
   static XConnection open();
 
   explicit operator bool() const { return state_ != nullptr; }

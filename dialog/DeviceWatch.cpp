@@ -1,7 +1,6 @@
 #include "dialog/DeviceWatch.h"
 
 #include <X11/Xlib.h>
-#include <X11/extensions/XInput2.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -86,11 +85,6 @@ void DeviceWatch::noticeFile(std::string_view name, bool isNew) {
 
 void DeviceWatch::watchServer() {
   server_ = XConnection::open();
-  server_.call([](Display* display) {
-    int major = 2;
-    int minor = 0;
-    XIQueryVersion(display, &major, &minor);
-  });
   selectHierarchyEvents(server_);
   if (!server_.call([](Display* display) { XSync(display, False); })) return;
   serverSource_ = g_unix_fd_add(ConnectionNumber(server_.get()), G_IO_IN, onServer, this);

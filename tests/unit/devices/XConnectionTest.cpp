@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdlib>
 #include <optional>
@@ -52,6 +53,22 @@ class XConnectionTest : public testing::Test {
   const rig::ScopedVariable display_{"DISPLAY", server_.display()};
   const XErrorHandler before_;
 };
+
+TEST_F(XConnectionTest, MayBeOpenedAndClosedByManyThreads) {
+  constexpr int kThreads = 4, kTimes = 40;
+  std::atomic<int> opened = 0;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([&opened] {
+      for (int time = 0; time < kTimes; ++time) {
+        const XConnection connection = XConnection::open();
+        if (connection && !connection.lost()) ++opened;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(opened, kThreads * kTimes);
+}
 
 TEST(XConnectionWithoutServer, IsEmpty) {
   const rig::ScopedVariable display("DISPLAY", std::nullopt);
