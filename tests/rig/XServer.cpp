@@ -82,14 +82,14 @@ pid_t launch(const std::vector<std::string>& command, const std::string& output,
 }
 
 // A socket at the display's address on which nobody listens: clients are refused, and no server can
-// have the number.
+// have the number. None if another server has it already.
 quorvel::FileDescriptor takeDisplay(const std::string& display) {
   quorvel::FileDescriptor taken(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
   const std::string name = "/tmp/.X11-unix/X" + display.substr(1);
   name.copy(address.sun_path + 1, name.size());  // an abstract name begins with a zero
   const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
-  bind(taken.get(), reinterpret_cast<const sockaddr*>(&address), length);
+  if (bind(taken.get(), reinterpret_cast<const sockaddr*>(&address), length) != 0) return {};
   return taken;
 }
 
@@ -121,10 +121,12 @@ std::string XServer::keyboardSocket(std::size_t index) const {
   return directory_ / ("keyboard" + std::to_string(index));
 }
 
-void XServer::kill() {
-  if (pid_ <= 0) return;
-  end(SIGKILL);
-  takenNumber_ = takeDisplay(display_);
+bool XServer::kill() {
+  if (pid_ > 0) {
+    end(SIGKILL);
+    takenNumber_ = takeDisplay(display_);
+  }
+  return static_cast<bool>(takenNumber_);
 }
 
 void XServer::pause() const { ::kill(pid_, SIGSTOP); }

@@ -42,8 +42,8 @@ class XServer {
   std::string keyboardSocket(std::size_t index) const;
 
   // Kills the server, like a crash. No effect when it has ended. Its display number stays taken, so
-  // that clients find no other test's server there.
-  void kill();
+  // that clients find no other test's server there; false if one was faster.
+  bool kill();
 
   // Suspends the server; keys typed until goOn reach it all at once.
   void pause() const;

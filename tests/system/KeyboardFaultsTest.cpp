@@ -122,9 +122,10 @@ TEST_F(KeyboardFaultsTest, ADyingServerEndsTheReadersButNotTheHost) {
   const std::size_t threads = rig::threadCount();
   const std::u16string first = driver.openKeyboard(u"Scanner");
   const std::u16string second = driver.openKeyboard(u"Keys");
-  server_.kill();
+  const bool unserved = server_.kill();
   rig::await("the readers' end", [&] { return rig::threadCount() == threads; });
   EXPECT_TRUE(driver.component.close(first));
+  if (!unserved) GTEST_SKIP() << "another X server took the display's number at once";
   EXPECT_THROW(driver.openKeyboard(u"Scanner"), std::runtime_error);
   // The other device is left for the component to close.
 }

@@ -31,8 +31,12 @@ class InputDeviceKeyboardTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     server_ = std::make_unique<rig::XServer>(std::vector<std::string>{"Scanner", "Keys"});
+    client_ = std::make_unique<rig::XClient>(server_->display());
   }
-  static void TearDownTestSuite() { server_.reset(); }
+  static void TearDownTestSuite() {
+    client_.reset();
+    server_.reset();
+  }
 
   InputDeviceKeyboardTest() { factory_.keyboardDevice = L"Scanner"; }
 
@@ -49,6 +53,9 @@ class InputDeviceKeyboardTest : public testing::Test {
   }
 
   static inline std::unique_ptr<rig::XServer> server_;
+  // libXi sets up and clears away without a lock what its first and last client in a process need.
+  // With this one there, the tests' others may come and go while the driver's do.
+  static inline std::unique_ptr<rig::XClient> client_;
   const rig::ScopedVariable display_{"DISPLAY", server_->display()};
   InputDeviceKeyboardFactory factory_;
   Messages messages_;
