@@ -4,6 +4,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <boost/locale/encoding_utf.hpp>
 #include <chrono>
 #include <stdexcept>
@@ -127,7 +128,11 @@ void RawDevice::awaitReading(const Reading& expected) const {
 }
 
 std::vector<std::u16string> RawDevice::holdReader() {
-  line_.send(holding_ + suffix_);
+  // The last byte of a suffix ends the message, and may occur in the rest of it: anything else of
+  // the same length stands for that.
+  std::string end = suffix_;
+  if (!end.empty()) std::fill(end.begin(), end.end() - 1, '-');
+  line_.send(holding_ + end);
   gate_.awaitHeld();
   // The reader raises events in order, so all the others are in the queue by now.
   std::vector<std::u16string> messages;
